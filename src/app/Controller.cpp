@@ -1,0 +1,255 @@
+// Construction of the controller, the set-up routine, the update notice, the
+// on-open sequence, the port list and hot-plug notices.
+#include "app/SerialPortDemoController.h"
+#include "app/StartUp.h"
+
+namespace tolvane {
+
+using namespace std::chrono_literals;
+
+namespace startup {
+
+const std::vector<ValueList>& valueLists() {
+  static const std::vector<ValueList> lists = {
+      {2010408, 0, 300, 10, 4, 0, 150}, {2010317, 0, 100, 10, 4, 0, 10}, {2010318, 0, 400, 10, 4, 0, 100},
+      {2010605, 0, 100, 1, 3, 0, 70},   {2020211, 1, 60, 1, 2, 1, 5},    {2020205, 1, 9999, 1, 4, 1, 1},
+      {2030103, 0, 100, 1, 3, 2, 10},   {2030401, 5, 100, 1, 3, 2, 100}, {2030402, 5, 100, 1, 3, 2, 100},
+      {2030403, 5, 50, 1, 3, 2, 50},    {2030404, 5, 25, 1, 3, 2, 25},   {2030406, 0, 100, 1, 3, 2, 50},
+      {2040104, 0, 20, 1, 2, 3, 10},    {2040105, 0, 20, 1, 2, 3, 10},
+  };
+  return lists;
+}
+
+std::string paddedValue(int value, int width) {
+  std::string s = std::to_string(value);
+  if (static_cast<int>(s.size()) < width) s.insert(0, static_cast<std::size_t>(width) - s.size(), '0');
+  return s;
+}
+
+}  // namespace startup
+
+SerialPortDemoController::SerialPortDemoController(platform::Services services, ui::Window& window)
+    : syncRadioCmd(startup::kPollString),
+      tlMemArray(99, MemoryRecord{" ", " ", " "}),
+      tlTextMemoryArray(6),
+      sv_(services),
+      window_(window) {
+  sv_.ports.setListener(this);
+  wireActions();
+}
+
+SerialPortDemoController::~SerialPortDemoController() {
+  sv_.ports.setListener(nullptr);
+  if (serialPort_) serialPort_->setListener(nullptr);
+}
+
+void SerialPortDemoController::wireActions() {
+  auto wire = [this](const std::string& outlet, void (SerialPortDemoController::*method)(ui::Control&)) {
+    if (ui::Control* c = window_.find(outlet)) c->setAction([this, method](ui::Control& s) { (this->*method)(s); });
+  };
+  auto wirePlain = [this](const std::string& outlet, void (SerialPortDemoController::*method)()) {
+    if (ui::Control* c = window_.find(outlet)) c->setAction([this, method](ui::Control&) { (this->*method)(); });
+  };
+
+  // Every tagged push button goes to the button dispatcher.
+  for (const auto& c : window_.controls()) {
+    if (c->kind() == ui::Kind::Button && c->tag() != 0) {
+      ui::Control* raw = c.get();
+      raw->setAction([this](ui::Control& s) { go(s); });
+    }
+  }
+
+  // The link.
+  wirePlain("openCloseButton", &SerialPortDemoController::openOrClosePort);
+  wirePlain("sendButton", &SerialPortDemoController::send);
+  wirePlain("readMemoriesButton", &SerialPortDemoController::getMemoriesFromRadio);
+  if (ui::Control* ports = window_.find("PortPopUpButton"))
+    ports->setAction([this](ui::Control& s) { choosePort(s.titleOfSelectedItem()); });
+  if (ui::Control* baud = window_.find("BaudPopUpButton"))
+    baud->setAction([this](ui::Control& s) {
+      if (serialPort_ && !s.titleOfSelectedItem().empty()) serialPort_->setBaudRate(std::stoll(s.titleOfSelectedItem()));
+    });
+  if (ui::Control* ending = window_.find("lineEndingCheckBox"))
+    ending->setAction([this](ui::Control& s) {
+      shouldAddLineEnding = !shouldAddLineEnding;
+      s.setState(shouldAddLineEnding ? 1 : 0);
+    });
+  if (ui::Control* tabs = window_.find("mainTab"))
+    tabs->setAction([this](ui::Control& s) { tabSelected(s.titleOfSelectedItem()); });
+
+  // Pop-ups and sliders.
+  wire("modesPopUpButton", &SerialPortDemoController::goMode);
+  wire("memPopUpButton", &SerialPortDemoController::goMemory);
+  wire("colorPopUpButton", &SerialPortDemoController::goColor);
+  wire("spectrumModePopUpButton", &SerialPortDemoController::goSpectrumMode);
+  wire("smeterPopUpButton", &SerialPortDemoController::goSmeter);
+  wire("ampPopUpButton", &SerialPortDemoController::goAmp);
+  wire("AGCPopUpButton", &SerialPortDemoController::goAGC);
+  wire("ATTPopUpButton", &SerialPortDemoController::goATT);
+  wire("RFILPopUpButton", &SerialPortDemoController::goRFIL);
+  wire("DNRPopupButton", &SerialPortDemoController::goDNR);
+  wire("NBPopupButton", &SerialPortDemoController::goNB);
+  wire("afGainSlider", &SerialPortDemoController::goAF);
+  wire("rfGainSlider", &SerialPortDemoController::goRF);
+  wire("FuncKnobButton", &SerialPortDemoController::goFunctionKnob);
+  wire("MPVDButton", &SerialPortDemoController::goMPVD);
+  wire("macroPopUpButton", &SerialPortDemoController::goMacro);
+  wire("tuneButton", &SerialPortDemoController::doTune);
+  wire("saveCallButton", &SerialPortDemoController::doCall);
+  for (const char* item : {"menuItemPreferencesVoice", "menuItemPreferencesSounds", "menuItemPreferencesIPO"})
+    wire(item, &SerialPortDemoController::goMainMenu);
+  for (const auto& c : window_.controls()) {
+    if (c->kind() == ui::Kind::PopUp && c->tag() >= 2000 && c->tag() <= 2007) {
+      c->setAction([this](ui::Control& s) { goSuperPopUp(s); });
+    }
+  }
+}
+
+void SerialPortDemoController::applicationDidFinishLaunching() { window_.at("mainTab").selectIndex(0); }
+
+void SerialPortDemoController::awakeFromNib() {
+  refreshPortList();
+  if (tlPortChecked == 0) setUpRoutine();
+  refreshBandConditions();
+  // The update notice waits half a second, on the event loop.
+  sv_.scheduler.after(500ms, [this] { showUpdateNotice(); });
+}
+
+void SerialPortDemoController::setUpRoutine() {
+  const auto port = sv_.settings.value("defaultPort");
+  const auto baud = sv_.settings.value("defaultBaud");
+  if (baud && !baud->empty()) window_.at("BaudPopUpButton").selectTitle(*baud);
+  if (port && !port->empty()) {
+    if (window_.at("PortPopUpButton").selectTitle(*port)) choosePort(*port);
+  }
+
+  auto pref = [this](const char* key) { return sv_.settings.value(key).value_or("0"); };
+  tlSounds = pref("sounds");
+  tlVoiceGuide = pref("voice");
+  tlMemoryIPO = pref("ipo");
+
+  auto show = [this](const char* outlet, const std::string& value, int onTag) {
+    ui::Control& item = window_.at(outlet);
+    const bool on = value == "1";
+    item.setState(on ? 1 : 0);
+    item.setTag(on ? onTag : onTag + 1000);
+  };
+  show("menuItemPreferencesSounds", tlSounds, 901);
+  show("menuItemPreferencesVoice", tlVoiceGuide, 900);
+  show("menuItemPreferencesIPO", tlMemoryIPO, 902);
+
+  tlPortChecked = 1;
+
+  if (ui::Control* power = window_.viewWithTag("mainTab", 1, 2007)) {
+    std::vector<ui::Entry> entries;
+    for (int w = 5; w <= 100; ++w) entries.push_back(ui::Entry{std::to_string(w) + "w", 0, ui::kStatusAvailable, false});
+    const int keep = power->selectedIndex();
+    power->setEntries(std::move(entries));
+    if (keep >= 0) power->selectIndex(keep);
+  }
+
+  for (const auto& list : startup::valueLists()) {
+    ui::Control* p = window_.viewWithTag("settingsTab", list.page, list.tag);
+    if (!p || p->kind() != ui::Kind::PopUp) continue;
+    std::vector<ui::Entry> entries = p->entries();
+    for (int v = list.from; v <= list.to; v += list.step) {
+      entries.push_back(ui::Entry{startup::paddedValue(v, list.width), 0,
+                                  v == list.marked ? ui::kStatusPartiallyAvailable : "", false});
+    }
+    p->setEntries(std::move(entries));
+  }
+
+  refreshPota();
+  refreshNetLogger();
+  refreshSota();
+  refreshNets();
+  refreshMW();
+}
+
+void SerialPortDemoController::showUpdateNotice() {
+  if (!(tlVersion < tlNewestVersion)) return;
+  platform::Alert alert;
+  alert.message = "Tolvane";
+  alert.informativeText = "v" + tlNewestVersion + " is now available.";
+  alert.buttons = {"Download", "OK"};
+  alert.style = platform::AlertStyle::Informational;
+  if (sv_.alerts.run(alert) == 0) sv_.browser.openUrl(std::string(startup::kMakerSite) + startup::kInstallerPath);
+}
+
+void SerialPortDemoController::onOpenSequence(platform::SerialPort& port) {
+  sv_.settings.setValue("defaultPort", port.description());
+  sv_.settings.setValue("defaultBaud", std::to_string(port.baudRate()));
+  playSound("Seatbelts");
+  // The half-second pause runs on the event loop; the timed steps count from its end.
+  sv_.scheduler.after(500ms, [this] {
+    window_.at("tlMemAButton").setTitle("");
+    window_.at("tlMemBButton").setTitle("");
+    auto& s = sv_.scheduler;
+    s.after(5s, [this] { getMemoriesFromRadio(); });
+    s.after(7s, [this] { transmit(startup::kMemorySlotString); });
+    s.after(8s, [this] {
+      window_.at("mainTab").selectIndex(1);
+      transmit(syncRadioCmd);
+    });
+    const int reads[] = {2010100, 2020100, 2030100, 2040100};
+    for (int page = 0; page < 4; ++page) {
+      const int tag = reads[page];
+      s.after(std::chrono::seconds(9 + page), [this, page, tag] {
+        if (ui::Control* b = window_.viewWithTag("settingsTab", page, tag)) b->click();
+      });
+    }
+  });
+}
+
+void SerialPortDemoController::tabSelected(const std::string& identifier) { sv_.log.line(identifier); }
+
+void SerialPortDemoController::refreshPortList() {
+  listedPorts_ = sv_.ports.availablePorts();
+  ui::Control& popUp = window_.at("PortPopUpButton");
+  const std::string chosen = serialPort_ ? serialPort_->description() : popUp.titleOfSelectedItem();
+  std::vector<ui::Entry> entries;
+  for (const auto& p : listedPorts_) entries.push_back(ui::Entry{p->description(), 0, "", false});
+  popUp.setEntries(std::move(entries));
+  if (!chosen.empty()) popUp.selectTitle(chosen);
+  if (!serialPort_) popUp.selectIndex(-1);
+}
+
+bool SerialPortDemoController::choosePort(const std::string& title) {
+  for (const auto& p : listedPorts_) {
+    if (p->description() == title) {
+      setSerialPort(p);
+      window_.at("PortPopUpButton").selectTitle(title);
+      return true;
+    }
+  }
+  return false;
+}
+
+void SerialPortDemoController::serialPortsWereConnected(const std::vector<std::string>& names) {
+  if (names.empty()) return;
+  std::string list;
+  for (const auto& n : names) list += (list.empty() ? "" : ", ") + n;
+  sv_.log.line("Ports were connected: " + list);
+  for (const auto& n : names) {
+    const std::uint32_t id =
+        sv_.notifications.deliver("Serial Port Connected", "Serial Port " + n + " was connected to your computer.");
+    if (id) sv_.scheduler.after(3s, [this, id] { sv_.notifications.remove(id); });
+  }
+  refreshPortList();
+  setUpRoutine();
+}
+
+void SerialPortDemoController::serialPortsWereDisconnected(const std::vector<std::string>& names) {
+  if (names.empty()) return;
+  std::string list;
+  for (const auto& n : names) list += (list.empty() ? "" : ", ") + n;
+  sv_.log.line("Ports were disconnected: " + list);
+  for (const auto& n : names) {
+    const std::uint32_t id = sv_.notifications.deliver("Serial Port Disconnected",
+                                                       "Serial Port " + n + " was disconnected from your computer.");
+    if (id) sv_.scheduler.after(3s, [this, id] { sv_.notifications.remove(id); });
+  }
+  refreshPortList();
+}
+
+}  // namespace tolvane

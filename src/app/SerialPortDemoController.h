@@ -1,0 +1,201 @@
+// The one controller of Tolvane: it owns the radio state, the controls model
+// and references to the platform services, and holds every action of the
+// window. Its methods are defined in the feature folders (cat/, radio/,
+// controls/, menu/, keyer/, memories/, spots/, conditions/, app/), one .cpp per
+// feature, so each rule lives beside its pure helpers.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cat/ReceiveBuffer.h"
+#include "platform/Platform.h"
+#include "ui/Controls.h"
+
+namespace tolvane {
+
+// One memory channel: frequency (nine digits), mode code, name.
+struct MemoryRecord {
+  std::string frequency;
+  std::string mode;
+  std::string tag;
+  bool operator==(const MemoryRecord&) const = default;
+};
+
+// A row of a web list: text fields addressed by position.
+using ListRow = std::vector<std::string>;
+
+class SerialPortDemoController : public platform::SerialPortListener, public platform::PortManagerListener {
+ public:
+  SerialPortDemoController(platform::Services services, ui::Window& window);
+  ~SerialPortDemoController() override;
+  SerialPortDemoController(const SerialPortDemoController&) = delete;
+  SerialPortDemoController& operator=(const SerialPortDemoController&) = delete;
+
+  ui::Window& window() { return window_; }
+  platform::Services& services() { return sv_; }
+
+  // ---------------------------------------------------------- start-up (app/)
+  // Runs once the window's controls exist: the set-up routine, the band
+  // conditions fetch and, half a second later, the update notice.
+  void awakeFromNib();
+  void applicationDidFinishLaunching();
+  void setUpRoutine();
+  void showUpdateNotice();
+  void onOpenSequence(platform::SerialPort& port);
+  void tabSelected(const std::string& identifier);
+  // Rebuilds the port list of PortPopUpButton from the port manager, keeping the choice.
+  void refreshPortList();
+  // Chooses the port with that title in the port list (closing the previous one).
+  bool choosePort(const std::string& title);
+
+  // ---------------------------------------------------------- CAT link (cat/)
+  void transmit(std::string_view text);
+  void send();
+  void returnPressedInTextField();
+  void returnPressedInFreqField();
+  void returnPressedInCallField();
+  void returnPressedInTextMessageField();
+  void openOrClosePort();
+  void setSerialPort(platform::SerialPortPtr port);
+  platform::SerialPortPtr serialPort() const { return serialPort_; }
+
+  // SerialPortListener
+  void serialPortWasOpened(platform::SerialPort& port) override;
+  void serialPortWasClosed(platform::SerialPort& port) override;
+  void serialPortDidReceiveData(platform::SerialPort& port, std::string_view bytes) override;
+  void serialPortWasRemovedFromSystem(platform::SerialPort& port) override;
+  void serialPortDidEncounterError(platform::SerialPort& port, const std::string& error) override;
+  // PortManagerListener
+  void serialPortsWereConnected(const std::vector<std::string>& names) override;
+  void serialPortsWereDisconnected(const std::vector<std::string>& names) override;
+
+  // ---------------------------------------------------------- response handling (radio/)
+  // Handles the text of one delivery: every answer up to its ";".
+  void dispatchResponse(std::string_view text);
+  void handleFrequencyAnswer(std::string_view piece, char side);
+  void handleInformationAnswer(std::string_view piece);
+  void handleOppositeBandAnswer(std::string_view piece);
+  void handleSideSelection(char side);
+  void handleModeAnswer(std::string_view piece);
+  void handlePowerOff();
+  // Levels, meters and function states.
+  void handleLevelAnswer(std::string_view piece);
+  void handleKnobAnswer(std::string_view piece);
+  void handleScopeAnswer(std::string_view piece);
+  void handleFunctionAnswer(std::string_view piece);
+  void handleAFGain(std::string_view piece);
+  void setToggle(const std::string& outlet, int offTag, bool on);
+  // Voice guide and sounds.
+  void speak(const std::string& text);
+  void playSound(const std::string& name);  // a resource sound, when sounds are on
+  void playSystemSound(const std::string& name);
+
+  // ---------------------------------------------------------- operating controls (controls/)
+  void go(ui::Control& sender);
+  void bandHighlight(std::uint64_t hertz);
+  void clearHighlights(const std::string& group);
+  void goMode(ui::Control& sender);
+  void goMemory(ui::Control& sender);
+  void goColor(ui::Control& sender);
+  void goSpectrumMode(ui::Control& sender);
+  void goSmeter(ui::Control& sender);
+  void goAmp(ui::Control& sender);
+  void goAGC(ui::Control& sender);
+  void goATT(ui::Control& sender);
+  void goRFIL(ui::Control& sender);
+  void goDNR(ui::Control& sender);
+  void goNB(ui::Control& sender);
+  void goAF(ui::Control& sender);
+  void goRF(ui::Control& sender);
+  void goFunctionKnob(ui::Control& sender);
+  void goMPVD(ui::Control& sender);
+  void goMainMenu(ui::Control& sender);
+  void goSuperPopUp(ui::Control& sender);
+  void doTune(ui::Control& sender);
+  void doCall(ui::Control& sender);
+  void goMacro(ui::Control& sender);
+
+  // ---------------------------------------------------------- menu mirror (menu/)
+  void handleMenuAnswer(std::string_view piece);
+
+  // ---------------------------------------------------------- keyer and text messages (keyer/)
+  void handleKeyerAnswer(std::string_view piece);
+  void handleTextMemoryAnswer(std::string_view piece);
+  void setUpMessageBox(char modeCode);
+
+  // ---------------------------------------------------------- memory channels (memories/)
+  void getMemoriesFromRadio();
+  void memoryReadEmptyChannel();
+  void handleMemoryChannelAnswer(std::string_view piece);
+  void handleMemoryTagAnswer(std::string_view piece);
+  void refreshMemoryPopUp();
+  void writeMemoriesToRadio();
+
+  // ---------------------------------------------------------- web lists (spots/)
+  void refreshPota();
+  void refreshSota();
+  void refreshNetLogger();
+  void refreshNets();
+  void refreshMW();
+
+  // ---------------------------------------------------------- conditions (conditions/)
+  void refreshBandConditions();
+  void showLicenseClass(const std::string& megahertz);
+
+  // ---------------------------------------------------------- state
+  // Link.
+  std::vector<std::int64_t> availableBaudRates{38400};
+  bool shouldAddLineEnding = false;
+  std::string cmd;
+
+  // Start-up.
+  std::string tlVersion = "0.998";
+  std::string tlNewestVersion = "0.998";
+  std::string syncRadioCmd;
+  std::string tlCall;
+  std::string tlVoiceGuide, tlSounds, tlMemoryIPO;
+  int tlAPO = 0;
+  int tlPortChecked = 0;
+
+  // Core radio state.
+  std::string tlFreqA, tlFreqB;
+  std::string tlVFOA, tlVFOB;
+  std::string tlMemChA = "001", tlMemChB = "002";
+  std::string tlMemFreq;
+  std::string tlAorB = "B";
+  std::string tlMode;
+  std::string tlModeA = "vfo", tlModeB = "vfo";
+  std::string tlMemATag, tlMemBTag;
+
+  // Levels.
+  std::string tlAFLevel = "000", tlRFLevel = "000";
+  int tlMuted = 0;
+
+  // Memory channels.
+  std::string tlMemRead = "0";
+  int tlMemReadCnt = 0;
+  std::vector<MemoryRecord> tlMemArray;
+
+  // Web lists.
+  std::vector<ListRow> tlPotaArray, tlSotaArray, tlNetLoggerArray, tlNetsArray, tlMWArray;
+
+  // Keyer and text messages.
+  std::vector<std::string> tlTextMemoryArray;
+  std::string tlTextMemoryRevert;
+
+ private:
+  void wireActions();
+  ui::Control* control(const std::string& outlet) const { return window_.find(outlet); }
+
+  platform::Services sv_;
+  ui::Window& window_;
+  platform::SerialPortPtr serialPort_;
+  std::vector<platform::SerialPortPtr> listedPorts_;
+  cat::ReceiveBuffer receiveBuffer_;
+};
+
+}  // namespace tolvane

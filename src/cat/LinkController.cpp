@@ -1,0 +1,97 @@
+// The link to the transceiver: transmit, the raw-command box, opening and
+// closing the port, and the port's callbacks.
+#include "app/SerialPortDemoController.h"
+#include "cat/Framing.h"
+
+namespace tolvane {
+
+void SerialPortDemoController::transmit(std::string_view text) {
+  if (!serialPort_) return;
+  if (!cat::isValidUtf8(text)) return;
+  serialPort_->sendData(text);
+}
+
+void SerialPortDemoController::send() {
+  std::string text = window_.at("sendTextField").text();
+  if (shouldAddLineEnding && (text.empty() || text.back() != '\n')) {
+    const ui::Control& endings = window_.at("lineEndingPopUpButton");
+    int tag = -1;
+    if (endings.selectedIndex() >= 0) tag = endings.entries()[static_cast<std::size_t>(endings.selectedIndex())].tag;
+    text += cat::lineEnding(tag);
+  }
+  transmit(text);
+}
+
+void SerialPortDemoController::returnPressedInTextField() { window_.at("sendButton").click(); }
+void SerialPortDemoController::returnPressedInFreqField() { window_.at("tuneButton").click(); }
+void SerialPortDemoController::returnPressedInCallField() { window_.at("saveCallButton").click(); }
+void SerialPortDemoController::returnPressedInTextMessageField() { window_.at("sendTextMemoryButton").click(); }
+
+void SerialPortDemoController::setSerialPort(platform::SerialPortPtr port) {
+  if (serialPort_ == port) return;
+  if (serialPort_) {
+    serialPort_->setListener(nullptr);
+    if (serialPort_->isOpen()) serialPort_->close();
+  }
+  receiveBuffer_.clear();
+  serialPort_ = std::move(port);
+  if (serialPort_) {
+    serialPort_->setListener(this);
+    const ui::Control& baud = window_.at("BaudPopUpButton");
+    const std::string title = baud.titleOfSelectedItem();
+    if (!title.empty()) serialPort_->setBaudRate(std::stoll(title));
+  }
+}
+
+void SerialPortDemoController::openOrClosePort() {
+  if (!serialPort_) return;
+  if (serialPort_->isOpen()) {
+    transmit("AI0;");
+    serialPort_->close();
+    window_.at("readMemoriesButton").setEnabled(false);
+  } else {
+    platform::SerialSettings settings;
+    settings.baudRate = serialPort_->baudRate();
+    settings.parity = platform::Parity::None;
+    settings.stopBits = 2;
+    settings.rtsCts = true;
+    serialPort_->open(settings);
+    window_.at("readMemoriesButton").setEnabled(true);
+  }
+}
+
+void SerialPortDemoController::serialPortWasOpened(platform::SerialPort& port) {
+  ui::Control& button = window_.at("openCloseButton");
+  button.setTitle("Connected");
+  button.setBezel(ui::Bezel::Green);
+  onOpenSequence(port);
+}
+
+void SerialPortDemoController::serialPortWasClosed(platform::SerialPort&) {
+  receiveBuffer_.clear();
+  ui::Control& button = window_.at("openCloseButton");
+  button.setTitle("Connect");
+  button.setBezel(ui::Bezel::Red);
+  playSystemSound("Bottle");
+}
+
+void SerialPortDemoController::serialPortDidReceiveData(platform::SerialPort&, std::string_view bytes) {
+  std::string complete = receiveBuffer_.take(bytes);
+  if (!complete.empty()) dispatchResponse(complete);
+}
+
+void SerialPortDemoController::serialPortWasRemovedFromSystem(platform::SerialPort&) {
+  setSerialPort(nullptr);
+  window_.at("openCloseButton").setTitle("Connect");
+  window_.at("readMemoriesButton").setEnabled(false);
+  ui::Control& ports = window_.at("PortPopUpButton");
+  ports.selectIndex(-1);
+}
+
+void SerialPortDemoController::serialPortDidEncounterError(platform::SerialPort& port, const std::string& error) {
+  sv_.log.line("Serial Port " + port.description() + " encountered an error: " + error);
+  playSystemSound("Frog");
+  window_.at("mainTab").selectIndex(0);
+}
+
+}  // namespace tolvane

@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include "cat/Framing.h"
+#include "cat/ReceiveBuffer.h"
+#include "support/Harness.h"
+
+using namespace tolvane;
+using namespace std::chrono_literals;
+
+TEST(ReceiveBuffer, AnswersSplitAcrossDeliveriesComeOutOnceAndWhole) {
+  cat::ReceiveBuffer rb;
+  EXPECT_EQ(rb.take("FA0140"), "");
+  EXPECT_EQ(rb.take("74000;FB00"), "FA014074000;");
+  EXPECT_EQ(rb.take("7074000;MD02;"), "FB007074000;MD02;");
+  EXPECT_EQ(rb.pending(), 0u);
+}
+
+TEST(ReceiveBuffer, TailWithoutTerminatorIsBounded) {
+  cat::ReceiveBuffer rb;
+  std::string junk(cat::ReceiveBuffer::kMaxTail + 1, 'x');
+  EXPECT_EQ(rb.take(junk), "");
+  EXPECT_EQ(rb.pending(), 0u);
+  EXPECT_EQ(rb.take("FA014074000;"), "FA014074000;");
+}
+
+TEST(ReceiveBuffer, InvalidUtf8DropsOnlyItsAnswer) {
+  cat::ReceiveBuffer rb;
+  EXPECT_EQ(rb.take("FA014074000;KM1\xff\xfe;MD02;"), "FA014074000;MD02;");
+  EXPECT_FALSE(cat::isValidUtf8("\xc0\xaf"));      // overlong
+  EXPECT_FALSE(cat::isValidUtf8("\xed\xa0\x80"));  // surrogate
+  EXPECT_FALSE(cat::isValidUtf8("\xe2\x82"));      // cut short
+  EXPECT_TRUE(cat::isValidUtf8("K\xc3\xa4\xe2\x82\xac\xf0\x9f\x93\xbb"));
+}
+
+TEST(Framing, LineEndingsAndDigits) {
+  EXPECT_EQ(cat::lineEnding(0), "\r");
+  EXPECT_EQ(cat::lineEnding(1), "\n");
+  EXPECT_EQ(cat::lineEnding(2), "\r\n");
+  EXPECT_EQ(cat::lineEnding(7), "\n");
+  EXPECT_EQ(cat::frequencyDigits(14074000), "014074000");
+  EXPECT_EQ(cat::decimalValue("12a"), 0);
+  EXPECT_EQ(cat::decimalValue("0120"), 120);
+}
+
+TEST(Link, RawCommandBoxAppendsTheChosenLineEnding) {
+  test::Rig rig;
+  rig.openPort();
+  rig.at("sendTextField").type("FA;");
+  rig.c().returnPressedInTextField();
+  rig.at("lineEndingCheckBox").click();
+  rig.at("lineEndingPopUpButton").selectIndex(2);
+  rig.c().returnPressedInTextField();
+  rig.at("sendTextField").type("FA;\n");
+  rig.at("sendButton").click();
+  ASSERT_EQ(rig.port->writes().size(), 3u);
+  EXPECT_EQ(rig.port->writes()[0].bytes, "FA;");
+  EXPECT_EQ(rig.port->writes()[1].bytes, "FA;\r\n");
+  EXPECT_EQ(rig.port->writes()[2].bytes, "FA;\n");
+}
+
+TEST(Link, NothingIsSentWithoutAPort) {
+  test::Rig rig;
+  rig.at("sendTextField").type("FA;");
+  rig.at("sendButton").click();
+  rig.at("openCloseButton").click();
+  EXPECT_EQ(rig.port->writes().size(), 0u);
+  EXPECT_FALSE(rig.port->isOpen());
+}
+
+TEST(Link, OpeningUsesFixedLineSettingsAndClosingSaysAI0First) {
+  test::Rig rig;
+  rig.openPort();
+  EXPECT_TRUE(rig.port->isOpen());
+  EXPECT_EQ(rig.port->lastSettings.baudRate, 38400);
+  EXPECT_EQ(rig.port->lastSettings.stopBits, 2);
+  EXPECT_EQ(rig.port->lastSettings.parity, platform::Parity::None);
+  EXPECT_TRUE(rig.port->lastSettings.rtsCts);
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connected");
+  EXPECT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Green);
+  EXPECT_TRUE(rig.at("readMemoriesButton").enabled());
+
+  rig.at("openCloseButton").click();
+  EXPECT_EQ(rig.written(), "AI0;");
+  EXPECT_FALSE(rig.port->isOpen());
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connect");
+  EXPECT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Red);
+  EXPECT_FALSE(rig.at("readMemoriesButton").enabled());
+  EXPECT_EQ(rig.sounds.played.back(), "system:Bottle");
+}
+
+TEST(Link, RemovalLetsThePortGoWithoutWriting) {
+  test::Rig rig;
+  rig.openPort();
+  rig.port->remove();
+  EXPECT_EQ(rig.written(), "");
+  EXPECT_EQ(rig.c().serialPort(), nullptr);
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connect");
+  EXPECT_EQ(rig.port->listener(), nullptr);
+}
+
+TEST(Link, ErrorIsLoggedSignalledAndShowsTheFirstTab) {
+  test::Rig rig;
+  rig.openPort();
+  rig.at("mainTab").selectIndex(1);
+  rig.port->fail("Input/output error");
+  EXPECT_EQ(rig.log.lines.back(), "Serial Port USB Serial encountered an error: Input/output error");
+  EXPECT_EQ(rig.sounds.played.back(), "system:Frog");
+  EXPECT_EQ(rig.at("mainTab").selectedIndex(), 0);
+  EXPECT_TRUE(rig.port->isOpen());
+}

@@ -1,0 +1,108 @@
+#include "support/Fakes.h"
+
+#include <algorithm>
+
+namespace tolvane::test {
+
+void FakeScheduler::after(Duration delay, std::function<void()> task) {
+  tasks_.push_back(Task{now_ + delay, seq_++, std::move(task)});
+}
+
+void FakeScheduler::advance(Duration by) {
+  const Duration end = now_ + by;
+  while (true) {
+    auto next = std::min_element(tasks_.begin(), tasks_.end(), [](const Task& a, const Task& b) {
+      return a.due != b.due ? a.due < b.due : a.seq < b.seq;
+    });
+    if (next == tasks_.end() || next->due > end) break;
+    Task t = std::move(*next);
+    tasks_.erase(next);
+    now_ = std::max(now_, t.due);
+    t.run();
+  }
+  now_ = end;
+}
+
+void FakeScheduler::runAll() {
+  while (!tasks_.empty()) {
+    Duration latest{0};
+    for (const auto& t : tasks_) latest = std::max(latest, t.due);
+    advance(latest - now_);
+  }
+}
+
+void FakeSerialPort::open(const platform::SerialSettings& settings) {
+  lastSettings = settings;
+  open_ = true;
+  if (listener_) listener_->serialPortWasOpened(*this);
+}
+
+void FakeSerialPort::close() {
+  if (!open_) return;
+  open_ = false;
+  if (listener_) listener_->serialPortWasClosed(*this);
+}
+
+bool FakeSerialPort::sendData(std::string_view bytes) {
+  if (!open_) {
+    ++refusedWrites;
+    return false;
+  }
+  writes_.push_back(Write{clock_ ? clock_->now() : Duration{0}, std::string(bytes)});
+  return true;
+}
+
+std::string FakeSerialPort::written() const {
+  std::string out;
+  for (const auto& w : writes_) out += w.bytes;
+  return out;
+}
+
+void FakeSerialPort::deliver(std::string_view bytes) {
+  if (listener_) listener_->serialPortDidReceiveData(*this, bytes);
+}
+
+void FakeSerialPort::remove() {
+  open_ = false;
+  if (listener_) listener_->serialPortWasRemovedFromSystem(*this);
+}
+
+void FakeSerialPort::fail(const std::string& error) {
+  if (listener_) listener_->serialPortDidEncounterError(*this, error);
+}
+
+std::optional<std::string> FakeSettings::value(const std::string& key) const {
+  auto it = values.find(key);
+  if (it == values.end()) return std::nullopt;
+  return it->second;
+}
+
+std::uint32_t FakeNotifications::deliver(const std::string& title, const std::string& text) {
+  delivered.emplace_back(title, text);
+  return static_cast<std::uint32_t>(delivered.size());
+}
+
+void FakeHttp::send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) {
+  requests.push_back(request);
+  auto it = answers_.find(request.url);
+  platform::HttpResponse response;
+  Duration delay{100};
+  if (it != answers_.end()) {
+    response = it->second.first;
+    delay = it->second.second;
+  } else {
+    response.error = "no answer";
+  }
+  if (delay > request.timeout) {
+    response = platform::HttpResponse{};
+    response.error = "timed out";
+    delay = request.timeout;
+  }
+  scheduler_.after(delay, [done = std::move(done), response] { done(response); });
+}
+
+void FakeHttp::serve(const std::string& url, platform::HttpResponse response, Duration delay) {
+  answers_[url] = {std::move(response), delay};
+}
+
+}  // namespace tolvane::test

@@ -1,0 +1,153 @@
+// Fakes of the platform services for tests: every call is recorded; time is
+// virtual and moves only when a test advances it.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Platform.h"
+
+namespace tolvane::test {
+
+using platform::Duration;
+
+// Virtual time: tasks run in order of their due time, then of scheduling.
+class FakeScheduler : public platform::Scheduler {
+ public:
+  void after(Duration delay, std::function<void()> task) override;
+  // Moves time forward by `by`, running every task that falls due.
+  void advance(Duration by);
+  // Runs every pending task, however far in the future.
+  void runAll();
+  Duration now() const { return now_; }
+  std::size_t pending() const { return tasks_.size(); }
+
+ private:
+  struct Task {
+    Duration due;
+    std::uint64_t seq;
+    std::function<void()> run;
+  };
+  Duration now_{0};
+  std::uint64_t seq_ = 0;
+  std::vector<Task> tasks_;
+};
+
+struct Write {
+  Duration at;
+  std::string bytes;
+};
+
+class FakeSerialPort : public platform::SerialPort {
+ public:
+  FakeSerialPort(std::string name, std::string description, const FakeScheduler* clock = nullptr)
+      : name_(std::move(name)), description_(std::move(description)), clock_(clock) {}
+
+  std::string name() const override { return name_; }
+  std::string description() const override { return description_; }
+  bool isOpen() const override { return open_; }
+  std::int64_t baudRate() const override { return baud_; }
+  void setBaudRate(std::int64_t baud) override { baud_ = baud; }
+  void open(const platform::SerialSettings& settings) override;
+  void close() override;
+  bool sendData(std::string_view bytes) override;
+  void setListener(platform::SerialPortListener* listener) override { listener_ = listener; }
+
+  // Test side: what arrives from the radio, the device going away, an error.
+  void deliver(std::string_view bytes);
+  void remove();
+  void fail(const std::string& error);
+
+  // Everything written while open, in order.
+  const std::vector<Write>& writes() const { return writes_; }
+  std::string written() const;  // all writes joined
+  void clearWrites() { writes_.clear(); }
+  platform::SerialSettings lastSettings;
+  int refusedWrites = 0;
+  platform::SerialPortListener* listener() const { return listener_; }
+
+ private:
+  std::string name_, description_;
+  const FakeScheduler* clock_;
+  bool open_ = false;
+  std::int64_t baud_ = 9600;
+  platform::SerialPortListener* listener_ = nullptr;
+  std::vector<Write> writes_;
+};
+
+class FakePortManager : public platform::PortManager {
+ public:
+  std::vector<platform::SerialPortPtr> availablePorts() override { return ports; }
+  void setListener(platform::PortManagerListener* l) override { listener = l; }
+  std::vector<platform::SerialPortPtr> ports;
+  platform::PortManagerListener* listener = nullptr;
+};
+
+class FakeSettings : public platform::SettingsStore {
+ public:
+  std::optional<std::string> value(const std::string& key) const override;
+  void setValue(const std::string& key, const std::string& value) override { values[key] = value; }
+  std::map<std::string, std::string> values;
+};
+
+class FakeSpeech : public platform::Speech {
+ public:
+  void speak(const std::string& text) override { spoken.push_back(text); }
+  std::vector<std::string> spoken;
+};
+
+class FakeSounds : public platform::Sounds {
+ public:
+  void playResource(const std::string& name) override { played.push_back("resource:" + name); }
+  void playSystem(const std::string& name) override { played.push_back("system:" + name); }
+  std::vector<std::string> played;
+};
+
+class FakeNotifications : public platform::Notifications {
+ public:
+  std::uint32_t deliver(const std::string& title, const std::string& text) override;
+  void remove(std::uint32_t id) override { removed.push_back(id); }
+  std::vector<std::pair<std::string, std::string>> delivered;
+  std::vector<std::uint32_t> removed;
+};
+
+// Serves canned answers by URL after a chosen virtual delay.
+class FakeHttp : public platform::HttpClient {
+ public:
+  explicit FakeHttp(FakeScheduler& scheduler) : scheduler_(scheduler) {}
+  void send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) override;
+  void serve(const std::string& url, platform::HttpResponse response, Duration delay = Duration{100});
+  std::vector<platform::HttpRequest> requests;
+
+ private:
+  FakeScheduler& scheduler_;
+  std::map<std::string, std::pair<platform::HttpResponse, Duration>> answers_;
+};
+
+class FakeBrowser : public platform::Browser {
+ public:
+  void openUrl(const std::string& url) override { opened.push_back(url); }
+  std::vector<std::string> opened;
+};
+
+class FakeAlerts : public platform::Alerts {
+ public:
+  int run(const platform::Alert& alert) override {
+    shown.push_back(alert);
+    return answer;
+  }
+  std::vector<platform::Alert> shown;
+  int answer = 0;
+};
+
+class FakeLog : public platform::ConsoleLog {
+ public:
+  void line(const std::string& text) override { lines.push_back(text); }
+  std::vector<std::string> lines;
+};
+
+}  // namespace tolvane::test
