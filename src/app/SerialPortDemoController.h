@@ -62,6 +62,8 @@ class SerialPortDemoController : public platform::SerialPortListener, public pla
   void openOrClosePort();
   void setSerialPort(platform::SerialPortPtr port);
   platform::SerialPortPtr serialPort() const { return serialPort_; }
+  // Bytes waiting for the rest of their answer.
+  std::size_t pendingReceiveBytes() const { return receiveBuffer_.pending(); }
 
   // SerialPortListener
   void serialPortWasOpened(platform::SerialPort& port) override;

@@ -1,0 +1,160 @@
+// Start-up: the set-up routine, settings, the update notice, the on-open
+// sequence on virtual time, hot-plug notices and the tab log.
+#include <gtest/gtest.h>
+
+#include "app/StartUp.h"
+#include "support/Harness.h"
+
+using namespace tolvane;
+using namespace std::chrono_literals;
+
+TEST(StartUp, FirstLaunchLeavesSelectionsAndTurnsPreferencesOff) {
+  test::Rig rig;
+  EXPECT_EQ(rig.at("PortPopUpButton").selectedIndex(), -1);
+  EXPECT_EQ(rig.c().serialPort(), nullptr);
+  EXPECT_EQ(rig.c().tlSounds, "0");
+  EXPECT_EQ(rig.c().tlVoiceGuide, "0");
+  EXPECT_EQ(rig.c().tlMemoryIPO, "0");
+  EXPECT_EQ(rig.at("menuItemPreferencesSounds").tag(), 1901);
+  EXPECT_EQ(rig.at("menuItemPreferencesVoice").tag(), 1900);
+  EXPECT_EQ(rig.at("menuItemPreferencesIPO").tag(), 1902);
+  EXPECT_EQ(rig.at("menuItemPreferencesSounds").state(), 0);
+  EXPECT_EQ(rig.c().tlPortChecked, 1);
+  EXPECT_EQ(rig.at("mainTab").selectedIndex(), 0);
+}
+
+TEST(StartUp, SavedPortAndPreferencesAreRestoredOnTheNextLaunch) {
+  test::FakeSettings saved;
+  {
+    test::Rig first;
+    first.settings.values["sounds"] = "1";
+    first.openPort();
+    saved = first.settings;
+  }
+  EXPECT_EQ(saved.values["defaultPort"], "USB Serial");
+  EXPECT_EQ(saved.values["defaultBaud"], "38400");
+
+  test::Rig rig;
+  rig.settings = saved;
+  rig.settings.values["voice"] = "1";
+  rig.c().setUpRoutine();
+  EXPECT_EQ(rig.at("PortPopUpButton").titleOfSelectedItem(), "USB Serial");
+  EXPECT_EQ(rig.at("BaudPopUpButton").titleOfSelectedItem(), "38400");
+  EXPECT_NE(rig.c().serialPort(), nullptr);
+  EXPECT_EQ(rig.c().tlVoiceGuide, "1");
+  EXPECT_EQ(rig.at("menuItemPreferencesVoice").tag(), 900);
+  EXPECT_EQ(rig.at("menuItemPreferencesVoice").state(), 1);
+  EXPECT_EQ(rig.at("menuItemPreferencesSounds").tag(), 901);
+
+  rig.settings.values["defaultPort"] = "ttyGone";
+  rig.c().setUpRoutine();
+  EXPECT_EQ(rig.at("PortPopUpButton").titleOfSelectedItem(), "USB Serial");
+}
+
+TEST(StartUp, ValuePopUpsAreFilledAndMarked) {
+  test::Rig rig;
+  const ui::Control* power = rig.window.viewWithTag("mainTab", 1, 2007);
+  ASSERT_NE(power, nullptr);
+  ASSERT_EQ(power->entries().size(), 96u);
+  EXPECT_EQ(power->entries().front().title, "5w");
+  EXPECT_EQ(power->entries().back().title, "100w");
+  EXPECT_EQ(power->entries().back().image, ui::kStatusAvailable);
+
+  const ui::Control* delay = rig.window.viewWithTag("settingsTab", 0, 2010408);
+  ASSERT_NE(delay, nullptr);
+  ASSERT_EQ(delay->entries().size(), 31u);
+  EXPECT_EQ(delay->entries()[0].title, "0000");
+  EXPECT_EQ(delay->entries()[15].title, "0150");
+  EXPECT_EQ(delay->entries()[15].image, ui::kStatusPartiallyAvailable);
+  EXPECT_EQ(delay->entries()[14].image, "");
+  const ui::Control* serial = rig.window.viewWithTag("settingsTab", 1, 2020205);
+  ASSERT_NE(serial, nullptr);
+  EXPECT_EQ(serial->entries().size(), 9999u);
+  EXPECT_EQ(serial->entries()[0].title, "0001");
+  EXPECT_EQ(serial->entries()[0].image, ui::kStatusPartiallyAvailable);
+  const ui::Control* two = rig.window.viewWithTag("settingsTab", 3, 2040105);
+  ASSERT_NE(two, nullptr);
+  EXPECT_EQ(two->entries()[10].title, "10");
+}
+
+TEST(StartUp, UpdateNoticeOnlyForANewerVersion) {
+  test::Rig rig;
+  rig.scheduler.advance(1s);
+  EXPECT_TRUE(rig.alerts.shown.empty());
+
+  rig.c().tlNewestVersion = "0.999";
+  rig.alerts.answer = 0;
+  rig.c().showUpdateNotice();
+  ASSERT_EQ(rig.alerts.shown.size(), 1u);
+  EXPECT_EQ(rig.alerts.shown[0].message, "Tolvane");
+  EXPECT_EQ(rig.alerts.shown[0].informativeText, "v0.999 is now available.");
+  EXPECT_EQ(rig.alerts.shown[0].buttons, (std::vector<std::string>{"Download", "OK"}));
+  ASSERT_EQ(rig.browser.opened.size(), 1u);
+  EXPECT_NE(rig.browser.opened[0].find("/tolvane/Installer.dmg"), std::string::npos);
+  rig.alerts.answer = 1;
+  rig.c().showUpdateNotice();
+  EXPECT_EQ(rig.browser.opened.size(), 1u);
+}
+
+TEST(StartUp, OnOpenSequenceRunsOnTimeWithoutBlocking) {
+  test::Rig rig;
+  rig.settings.values["sounds"] = "1";
+  rig.c().setUpRoutine();
+  rig.sounds.played.clear();
+  rig.at("tlMemAButton").setTitle("M-01");
+  rig.openPort();
+  EXPECT_EQ(rig.sounds.played, (std::vector<std::string>{"resource:Seatbelts"}));
+  EXPECT_EQ(rig.at("tlMemAButton").title(), "M-01");  // cleared after the half-second pause
+  rig.scheduler.advance(500ms);
+  EXPECT_EQ(rig.at("tlMemAButton").title(), "");
+
+  rig.scheduler.advance(7000ms);  // 7 s after the pause
+  ASSERT_FALSE(rig.port->writes().empty());
+  const test::Write& slots = rig.port->writes().back();
+  EXPECT_EQ(slots.bytes, startup::kMemorySlotString);
+  EXPECT_EQ(slots.at, 7500ms);
+
+  rig.scheduler.advance(1s);
+  const test::Write& poll = rig.port->writes().back();
+  EXPECT_EQ(poll.bytes.size(), 142u);
+  EXPECT_EQ(poll.bytes, rig.c().syncRadioCmd);
+  EXPECT_EQ(poll.at, 8500ms);
+  EXPECT_EQ(rig.at("mainTab").selectedIndex(), 1);
+}
+
+TEST(StartUp, ThePollStringAsksForTheWholeRadioState) {
+  const std::string poll = startup::kPollString;
+  EXPECT_EQ(poll.size(), 142u);
+  EXPECT_EQ(poll.rfind("PS;AI1;AI;AG0;IF;OI;", 0), 0u);
+  EXPECT_NE(poll.find("EX040101;SV;"), std::string::npos);
+}
+
+TEST(HotPlug, ConnectedPortsAreAnnouncedAndTheSetUpRunsOnce) {
+  test::Rig rig;
+  auto second = std::make_shared<test::FakeSerialPort>("ttyUSB1", "USB Serial 2", &rig.scheduler);
+  rig.ports.ports.push_back(second);
+  rig.settings.values["defaultPort"] = "USB Serial 2";
+  rig.ports.listener->serialPortsWereConnected({"ttyUSB1", "ttyACM0"});
+  EXPECT_EQ(rig.log.lines.back(), "Ports were connected: ttyUSB1, ttyACM0");
+  ASSERT_EQ(rig.notifications.delivered.size(), 2u);
+  EXPECT_EQ(rig.notifications.delivered[0].first, "Serial Port Connected");
+  EXPECT_EQ(rig.notifications.delivered[0].second, "Serial Port ttyUSB1 was connected to your computer.");
+  EXPECT_EQ(rig.at("PortPopUpButton").entries().size(), 2u);
+  EXPECT_EQ(rig.at("PortPopUpButton").titleOfSelectedItem(), "USB Serial 2");
+  rig.scheduler.advance(2999ms);
+  EXPECT_TRUE(rig.notifications.removed.empty());
+  rig.scheduler.advance(1ms);
+  EXPECT_EQ(rig.notifications.removed, (std::vector<std::uint32_t>{1, 2}));
+
+  rig.ports.listener->serialPortsWereDisconnected({"ttyUSB1"});
+  EXPECT_EQ(rig.log.lines.back(), "Ports were disconnected: ttyUSB1");
+  EXPECT_EQ(rig.notifications.delivered.back().second, "Serial Port ttyUSB1 was disconnected from your computer.");
+  rig.ports.listener->serialPortsWereDisconnected({});
+  EXPECT_EQ(rig.notifications.delivered.size(), 3u);
+}
+
+TEST(StartUp, SelectedTabIsLogged) {
+  test::Rig rig;
+  rig.at("mainTab").choose(2);
+  EXPECT_EQ(rig.log.lines.back(), "Memories");
+}
