@@ -132,6 +132,12 @@ void Control::setSortIndicator(const std::string& column, bool ascending) {
   changed();
 }
 
+void Control::setHeld(bool held) {
+  if (held_ == held) return;
+  held_ = held;
+  changed();
+}
+
 void Control::click() {
   if (enabled_ && action_) action_(*this);
 }
@@ -184,7 +190,10 @@ Control* Window::viewWithTag(const std::string& tabOutlet, int page, int tag) co
 
 Control* Window::viewWithTag(const std::string& tabOutlet, int tag) const {
   for (const auto& c : controls_) {
-    if (c->tag() == tag && c->tabView() && c->tabView()->outlet() == tabOutlet) return c.get();
+    if (c->tag() != tag) continue;
+    // Inside the tab view, directly or on a page of a tab view nested in it.
+    for (const Control* t = c->tabView(); t; t = t->tabView())
+      if (t->outlet() == tabOutlet) return c.get();
   }
   return nullptr;
 }
