@@ -63,6 +63,11 @@ void SerialPortDemoController::wireActions() {
   wirePlain("openCloseButton", &SerialPortDemoController::openOrClosePort);
   wirePlain("sendButton", &SerialPortDemoController::send);
   wirePlain("readMemoriesButton", &SerialPortDemoController::getMemoriesFromRadio);
+  wirePlain("writeMemoriesButton", &SerialPortDemoController::writeMemoriesToRadio);
+  // The controller answers every table; only the memories table takes drops.
+  for (const auto& c : window_.controls())
+    if (c->kind() == ui::Kind::Table) c->setDataSource(this);
+  if (ui::Control* memories = window_.find("memoriesTable")) memories->setDropTarget(true);
   if (ui::Control* ports = window_.find("PortPopUpButton"))
     ports->setAction([this](ui::Control& s) { choosePort(s.titleOfSelectedItem()); });
   if (ui::Control* baud = window_.find("BaudPopUpButton"))
@@ -186,7 +191,7 @@ void SerialPortDemoController::onOpenSequence(platform::SerialPort& port) {
     window_.at("tlMemBButton").setTitle("");
     auto& s = sv_.scheduler;
     s.after(5s, [this] { getMemoriesFromRadio(); });
-    s.after(7s, [this] { transmit(startup::kMemorySlotString); });
+    s.after(7s, [this] { queryMemorySlots(); });
     s.after(8s, [this] {
       window_.at("mainTab").selectIndex(1);
       transmit(syncRadioCmd);

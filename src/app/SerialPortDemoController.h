@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "cat/ReceiveBuffer.h"
 #include "platform/Platform.h"
 #include "ui/Controls.h"
+#include "ui/Table.h"
 
 namespace tolvane {
 
@@ -28,7 +30,9 @@ struct MemoryRecord {
 // A row of a web list: text fields addressed by position.
 using ListRow = std::vector<std::string>;
 
-class SerialPortDemoController : public platform::SerialPortListener, public platform::PortManagerListener {
+class SerialPortDemoController : public platform::SerialPortListener,
+                                 public platform::PortManagerListener,
+                                 public ui::TableDataSource {
  public:
   SerialPortDemoController(platform::Services services, ui::Window& window);
   ~SerialPortDemoController() override;
@@ -136,6 +140,21 @@ class SerialPortDemoController : public platform::SerialPortListener, public pla
   void handleMemoryTagAnswer(std::string_view piece);
   void refreshMemoryPopUp();
   void writeMemoriesToRadio();
+  void queryMemorySlots();
+  // The memories table: text typed into (row, column position); the mode pop-up of a row (its tag).
+  void textEdited(int row, int column, const std::string& text);
+  void modeEdited(ui::Control& sender);
+
+  // ---------------------------------------------------------- tables (memories/TableSource.cpp)
+  // The controller is the data source of every table of the window.
+  int numberOfRows(const ui::Control& table) override;
+  std::optional<ui::Cell> cellFor(const ui::Control& table, const std::string& column, int row) override;
+  void cellTextEdited(ui::Control& table, int row, int column, const std::string& text) override;
+  std::optional<std::string> pasteboardText(const ui::Control& table, int row) override;
+  bool validateDrop(const ui::Control& table, int row, ui::DropPosition position) override;
+  bool acceptDrop(ui::Control& table, const std::optional<std::string>& text, int row,
+                  ui::DropPosition position) override;
+  void headerClicked(ui::Control& table, int column) override;
 
   // ---------------------------------------------------------- web lists (spots/)
   void refreshPota();

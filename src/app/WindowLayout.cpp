@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "memories/MemoriesTable.h"
+
 namespace tolvane {
 
 using ui::Control;
@@ -53,7 +55,6 @@ void buildConnectionPage(ui::Window& w, Control& tab) {
   w.addOn(tab, p, "PortPopUpButton", Kind::PopUp);
   popUp(w, tab, p, "BaudPopUpButton", titles({"38400"}));
   button(w, tab, p, "openCloseButton", 0, "Connect");
-  button(w, tab, p, "readMemoriesButton", 0, "Read memories").setEnabled(false);
   w.addOn(tab, p, "sendTextField", Kind::TextField);
   button(w, tab, p, "sendButton", 0, "Send");
   Control& endings = w.addOn(tab, p, "lineEndingPopUpButton", Kind::PopUp);
@@ -187,6 +188,13 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   w.addOn(tab, p, "sentTextMemoryField", Kind::TextView);
 }
 
+void buildMemoriesPage(ui::Window& w, Control& tab) {
+  const int p = kPageMemories;
+  w.addOn(tab, p, "memoriesTable", Kind::Table).setColumns(memories::memoriesColumns());
+  button(w, tab, p, "readMemoriesButton", 0, "Read from radio").setEnabled(false);
+  button(w, tab, p, "writeMemoriesButton", 0, "Write to radio");
+}
+
 void buildSettingsPage(ui::Window& w, Control& mainTab) {
   Control& settings = w.addOn(mainTab, kPageSettings, "settingsTab", Kind::TabView);
   settings.setEntries(titles({"Radio", "CW", "Transmit", "Display"}));
@@ -209,6 +217,7 @@ void buildWindow(ui::Window& w) {
   mainTab.setEntries(titles({"Connection", "Operate", "Memories", "Messages", "Settings", "Spots", "Conditions"}));
   buildConnectionPage(w, mainTab);
   buildOperatePage(w, mainTab);
+  buildMemoriesPage(w, mainTab);
   buildSettingsPage(w, mainTab);
 
   // The Preferences menu.

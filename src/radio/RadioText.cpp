@@ -6,9 +6,9 @@ namespace tolvane::radio {
 
 namespace {
 constexpr ModeInfo kModes[] = {
-    {'1', "LSB", 0},    {'2', "USB", 1},     {'3', "CW-U", 2},    {'4', "FM", 3},      {'5', "AM", 4},
-    {'6', "RTTY-L", 5}, {'7', "CW-L", 6},    {'8', "DATA-L", 7},  {'9', "RTTY-U", 8},  {'A', "DATA-FM", 9},
-    {'B', "FM-N", 10},  {'C', "DATA-U", 11}, {'D', "AM-N", 12},   {'E', "PSK", 13},
+    {'1', "LSB", 0},    {'2', "USB", 1},     {'3', "CW-U", 2},   {'4', "FM", 3},     {'5', "AM", 4},
+    {'6', "RTTY-L", 5}, {'7', "CW-L", 6},    {'8', "DATA-L", 7}, {'9', "RTTY-U", 8}, {'A', "DATA-FM", 9},
+    {'B', "FM-N", 10},  {'C', "DATA-U", 11}, {'D', "AM-N", 12},  {'E', "PSK", 13},
 };
 constexpr char kCodes[] = "123456789ABCDEF";
 }  // namespace

@@ -8,7 +8,9 @@
 namespace tolvane {
 
 namespace {
-bool startsWith(std::string_view s, std::string_view p) { return s.size() >= p.size() && s.compare(0, p.size(), p) == 0; }
+bool startsWith(std::string_view s, std::string_view p) {
+  return s.size() >= p.size() && s.compare(0, p.size(), p) == 0;
+}
 }  // namespace
 
 void SerialPortDemoController::dispatchResponse(std::string_view text) {
@@ -33,13 +35,18 @@ void SerialPortDemoController::dispatchResponse(std::string_view text) {
       const char a = piece[0], b = piece[1];
       switch (a) {
         case 'F':
-          if (b == 'A') handleFrequencyAnswer(piece, 'A');
-          else if (b == 'B') handleFrequencyAnswer(piece, 'B');
+          if (b == 'A')
+            handleFrequencyAnswer(piece, 'A');
+          else if (b == 'B')
+            handleFrequencyAnswer(piece, 'B');
           break;
         case 'M':
-          if (b == 'C') handleMemoryChannelAnswer(piece);
-          else if (b == 'T') handleMemoryTagAnswer(piece);
-          else if (b == 'S') handleLevelAnswer(piece);
+          if (b == 'C')
+            handleMemoryChannelAnswer(piece);
+          else if (b == 'T')
+            handleMemoryTagAnswer(piece);
+          else if (b == 'S')
+            handleLevelAnswer(piece);
           break;
         case 'I':
           if (b == 'F') handleInformationAnswer(piece);

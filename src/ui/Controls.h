@@ -13,6 +13,8 @@
 
 namespace tolvane::ui {
 
+class TableDataSource;
+
 enum class Bezel { None, Blue, Green, Orange, Red };
 
 enum class Kind {
@@ -117,6 +119,15 @@ class Control {
   const std::string& sortColumn() const { return sortColumn_; }
   bool sortAscending() const { return sortAscending_; }
   void setSortIndicator(const std::string& column, bool ascending);
+  // Who answers the table's rows and cells (ui/Table.h); not owned.
+  TableDataSource* dataSource() const { return dataSource_; }
+  void setDataSource(TableDataSource* source) { dataSource_ = source; }
+  // Whether the table takes plain-text drops.
+  bool isDropTarget() const { return dropTarget_; }
+  void setDropTarget(bool on) { dropTarget_ = on; }
+  // A held table is not redrawn until the hold is released (with a reload).
+  bool held() const { return held_; }
+  void setHeld(bool held);
 
   void setAction(Action action) { action_ = std::move(action); }
   bool hasAction() const { return static_cast<bool>(action_); }
@@ -152,6 +163,9 @@ class Control {
   unsigned reloads_ = 0;
   std::string sortColumn_;
   bool sortAscending_ = true;
+  TableDataSource* dataSource_ = nullptr;
+  bool dropTarget_ = false;
+  bool held_ = false;
   Action action_;
   Observer observer_;
 };
