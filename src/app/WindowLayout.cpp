@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <string>
 
+#include "controls/Macros.h"
 #include "memories/MemoriesTable.h"
+#include "menu/ReadLists.h"
 
 namespace tolvane {
 
@@ -176,7 +178,7 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   popUp(w, tab, p, "APOPopUpButton", titles({"APO off", "30 min", "60 min", "90 min", "120 min", "150 min", "180 min"}),
         2006);
   popUp(w, tab, p, "powerPopUpButton", {}, 2007);
-  popUp(w, tab, p, "macroPopUpButton", {});
+  popUp(w, tab, p, "macroPopUpButton", controls::macroMenuEntries());
 
   // Message buttons and the free-text box.
   w.addOn(tab, p, "sendBox", Kind::Box).setTitle("Keyer / Encoder");
@@ -208,6 +210,10 @@ void buildSettingsPage(ui::Window& w, Control& mainTab) {
       {2030401, 2}, {2030402, 2}, {2030403, 2}, {2030404, 2}, {2030406, 2}, {2040104, 3}, {2040105, 3},
   };
   for (const auto& n : numeric) w.addOn(settings, n.page, "menu" + std::to_string(n.tag) + "PopUp", Kind::PopUp, n.tag);
+  // One read button per page: reads that menu group from the radio.
+  for (int group = 1; group <= 4; ++group)
+    button(w, settings, group - 1, "readMenuGroup" + std::to_string(group) + "Button", menu::readButtonTag(group),
+           "Read from radio");
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace tolvane::ui {
 
 class TableDataSource;
 
-enum class Bezel { None, Blue, Green, Orange, Red };
+enum class Bezel { None, Blue, Green, Orange, Red, Purple, Pink, Brown };
 
 enum class Kind {
   Button,
