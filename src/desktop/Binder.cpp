@@ -1,0 +1,499 @@
+#include "desktop/Binder.h"
+
+#include <QAccessible>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QIcon>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSlider>
+#include <QStandardItemModel>
+#include <QStyle>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <cctype>
+
+namespace tolvane::desktop {
+
+namespace {
+
+QString q(const std::string& s) { return QString::fromStdString(s); }
+
+// "scopeSpanPopUpButton" -> "Scope span": the fallback name of a control
+// nobody named explicitly.
+QString fromOutlet(const std::string& outlet) {
+  std::string base = outlet;
+  for (const char* suffix : {"PopUpButton", "PopupButton", "Button", "PopUp", "TextField", "Field", "Slider"}) {
+    const std::string s(suffix);
+    if (base.size() > s.size() && base.compare(base.size() - s.size(), s.size(), s) == 0) {
+      base.erase(base.size() - s.size());
+      break;
+    }
+  }
+  std::string out;
+  for (std::size_t i = 0; i < base.size(); ++i) {
+    const char ch = base[i];
+    if (i > 0 && std::isupper(static_cast<unsigned char>(ch)) && !std::isupper(static_cast<unsigned char>(base[i - 1])))
+      out += ' ';
+    out += out.empty() ? static_cast<char>(std::toupper(static_cast<unsigned char>(ch)))
+                       : static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+  }
+  return q(out);
+}
+
+QIcon statusIcon(const std::string& image) {
+  if (image.empty()) return {};
+  static QIcon available, partial;
+  const bool isPartial = image == ui::kStatusPartiallyAvailable;
+  QIcon& icon = isPartial ? partial : available;
+  if (icon.isNull()) {
+    QPixmap pm(12, 12);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(isPartial ? QColor(0xE3, 0xA0, 0x08) : QColor(0x1E, 0x8E, 0x3E));
+    p.drawEllipse(1, 1, 10, 10);
+    icon = QIcon(pm);
+  }
+  return icon;
+}
+
+QIcon buttonImage(const std::string& image) {
+  if (image.empty()) return {};
+  const bool muted = image.find("Mute") != std::string::npos || image.find("Off") != std::string::npos;
+  QIcon themed = QIcon::fromTheme(muted ? "audio-volume-muted" : "audio-volume-high");
+  if (!themed.isNull()) return themed;
+  return QApplication::style()->standardIcon(muted ? QStyle::SP_MediaVolumeMuted : QStyle::SP_MediaVolume);
+}
+
+void notifyAccessible(QWidget* w, QAccessible::Event event) {
+  if (!QAccessible::isActive()) return;
+  QAccessibleEvent e(w, event);
+  QAccessible::updateAccessibility(&e);
+}
+
+}  // namespace
+
+QString accessibleNameFor(const ui::Control& c) {
+  static const std::map<std::string, const char*> names = {
+      {"mainTab", "Main sections"},
+      {"settingsTab", "Radio settings pages"},
+      {"catBox", "Radio link"},
+      {"PortPopUpButton", "Serial port"},
+      {"BaudPopUpButton", "Baud rate"},
+      {"openCloseButton", "Connect"},
+      {"readMemoriesButton", "Read memories"},
+      {"sendTextField", "Raw command"},
+      {"sendButton", "Send raw command"},
+      {"lineEndingPopUpButton", "Line ending"},
+      {"lineEndingCheckBox", "Add line ending"},
+      {"receivedDataTextView", "Received data"},
+      {"tlFreqAButton", "VFO A"},
+      {"tlFreqBButton", "VFO B"},
+      {"tlMemAButton", "Memory A"},
+      {"tlMemBButton", "Memory B"},
+      {"swapAButton", "Copy to A"},
+      {"swapBButton", "Copy to B"},
+      {"vfoMemoryButton", "VFO or memory"},
+      {"freqTextField", "Frequency in megahertz"},
+      {"tuneButton", "Tune to frequency"},
+      {"callTextField", "Call sign"},
+      {"saveCallButton", "Save call sign"},
+      {"licenseClassButton", "Licence class"},
+      {"sMeter", "S-meter"},
+      {"modesPopUpButton", "Mode"},
+      {"memPopUpButton", "Memory channel"},
+      {"breakInButton", "Break-in"},
+      {"nrButton", "Noise reduction"},
+      {"nbButton", "Noise blanker"},
+      {"dnfButton", "Notch filter, automatic"},
+      {"bkinButton", "Break-in, full"},
+      {"notchButton", "Notch"},
+      {"contButton", "Contour"},
+      {"heldButton", "Held"},
+      {"markerButton", "Marker"},
+      {"muteButton", "Mute"},
+      {"bkinOffButton", "Break-in off"},
+      {"afGainSlider", "AF gain"},
+      {"rfGainSlider", "RF gain"},
+      {"ampPopUpButton", "Pre-amplifier"},
+      {"NBPopupButton", "Noise blanker level"},
+      {"DNRPopupButton", "Noise reduction level"},
+      {"AGCPopUpButton", "AGC"},
+      {"ATTPopUpButton", "Attenuator"},
+      {"RFILPopUpButton", "Roofing filter"},
+      {"smeterPopUpButton", "Meter display"},
+      {"MPVDButton", "Dial function"},
+      {"FuncKnobButton", "Function knob"},
+      {"colorPopUpButton", "Scope colour"},
+      {"spectrumModePopUpButton", "Scope mode"},
+      {"scopeSpanPopUpButton", "Scope span"},
+      {"scopeSpeedPopUpButton", "Scope speed"},
+      {"scopeLevelPopUpButton", "Scope level"},
+      {"scopeMarkerPopUpButton", "Scope marker"},
+      {"APOPopUpButton", "Automatic power off"},
+      {"powerPopUpButton", "Transmit power"},
+      {"macroPopUpButton", "Macro"},
+      {"sendBox", "Keyer and messages"},
+      {"textMemoryField", "Message text"},
+      {"sendTextMemoryButton", "Send message text"},
+      {"clearTextMemoryButton", "Clear message text"},
+      {"sentTextMemoryField", "Sent messages"},
+      {"powerOnButton", "Power on"},
+      {"powerOffButton", "Power off"},
+      {"tunePowerButton", "Tune power"},
+      {"fullPowerButton", "Full power"},
+      {"tunerButton", "Antenna tuner"},
+      {"stepUpSmallButton", "Step up 25"},
+      {"stepDownSmallButton", "Step down 25"},
+      {"stepUpLargeButton", "Step up 110"},
+      {"stepDownLargeButton", "Step down 110"},
+      {"quickMemoryInButton", "Quick memory store"},
+      {"quickMemoryRecallButton", "Quick memory recall"},
+      {"makerPageButton", "Maker's web page"},
+  };
+  const std::string& o = c.outlet();
+  if (auto it = names.find(o); it != names.end()) return QString::fromUtf8(it->second);
+
+  // Band buttons: "m20Button" -> "Band 20 m"; GEN and MW by name.
+  if (o.size() > 7 && o[0] == 'm' && o.compare(o.size() - 6, 6, "Button") == 0 &&
+      std::isdigit(static_cast<unsigned char>(o[1])))
+    return QStringLiteral("Band %1 m").arg(q(o.substr(1, o.size() - 7)));
+  if (o == "mgenButton") return QStringLiteral("Band general coverage");
+  if (o == "mmwButton") return QStringLiteral("Band medium wave");
+  if (c.kind() == ui::Kind::Button && c.tag() >= 200 && c.tag() <= 215) return QStringLiteral("Mode ") + q(c.title());
+  if (o.rfind("scopeColor", 0) == 0 && c.kind() == ui::Kind::Button)
+    return QStringLiteral("Scope colour ") + q(c.title());
+  if (o.rfind("textMemory", 0) == 0 && c.kind() == ui::Kind::Button)
+    return QStringLiteral("Message ") + q(o.substr(10, o.size() - 16));
+  // Menu items of the radio: tag 2GGSSII -> "Menu GG-SS-II".
+  if (o.rfind("menu", 0) == 0 && c.tag() >= 2000000 && c.tag() < 3000000) {
+    const int t = c.tag() - 2000000;
+    return QStringLiteral("Menu %1-%2-%3")
+        .arg(t / 10000, 2, 10, QChar('0'))
+        .arg(t / 100 % 100, 2, 10, QChar('0'))
+        .arg(t % 100, 2, 10, QChar('0'));
+  }
+  if (c.kind() == ui::Kind::MenuItem && !c.title().empty()) return q(c.title());
+  return fromOutlet(o);
+}
+
+QString Binder::bezelColour(ui::Bezel bezel) {
+  switch (bezel) {
+    case ui::Bezel::Blue:
+      return QStringLiteral("#1f66c9");
+    case ui::Bezel::Green:
+      return QStringLiteral("#1b7f37");
+    case ui::Bezel::Orange:
+      return QStringLiteral("#c25e00");
+    case ui::Bezel::Red:
+      return QStringLiteral("#c0261f");
+    case ui::Bezel::Purple:
+      return QStringLiteral("#7440b0");
+    case ui::Bezel::Pink:
+      return QStringLiteral("#b8306e");
+    case ui::Bezel::Brown:
+      return QStringLiteral("#7a4a26");
+    case ui::Bezel::None:
+      break;
+  }
+  return {};
+}
+
+Binder::Binder(ui::Window& model, QObject* parent) : QObject(parent), model_(model) {
+  for (const auto& c : model_.controls()) create(*c);
+  for (const auto& c : model_.controls()) repaint(*c);
+}
+
+Binder::~Binder() {
+  for (const auto& c : model_.controls()) c->setObserver(nullptr);
+  for (auto& [outlet, w] : widgets_)
+    if (w && !w->parentWidget()) delete w;
+}
+
+QWidget* Binder::widget(const std::string& outlet) const {
+  auto it = widgets_.find(outlet);
+  return it == widgets_.end() ? nullptr : it->second;
+}
+
+QAction* Binder::action(const std::string& outlet) const {
+  auto it = actions_.find(outlet);
+  return it == actions_.end() ? nullptr : it->second;
+}
+
+void Binder::create(ui::Control& c) {
+  ui::Control* ctl = &c;
+  QWidget* w = nullptr;
+  switch (c.kind()) {
+    case ui::Kind::Button: {
+      const bool isCheckBox = c.outlet().find("CheckBox") != std::string::npos;
+      QAbstractButton* b =
+          isCheckBox ? static_cast<QAbstractButton*>(new QCheckBox) : static_cast<QAbstractButton*>(new QPushButton);
+      connect(b, &QAbstractButton::clicked, this, [this, ctl] {
+        if (painting_) return;
+        ctl->click();
+        repaint(*ctl);  // a check box shows the model's state, not its own toggle
+      });
+      if (auto* pb = qobject_cast<QPushButton*>(b)) pb->setAutoDefault(false);
+      w = b;
+      break;
+    }
+    case ui::Kind::PopUp: {
+      auto* box = new QComboBox;
+      box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+      box->setMinimumContentsLength(8);
+      box->setMaxVisibleItems(20);
+      connect(box, &QComboBox::activated, this, [this, ctl](int index) {
+        if (painting_) return;
+        ctl->choose(index);
+        repaint(*ctl);
+      });
+      w = box;
+      break;
+    }
+    case ui::Kind::Slider: {
+      auto* s = new QSlider(Qt::Horizontal);
+      s->setMinimumWidth(160);
+      // Dragging fires once, on release; keys, clicks on the groove and the
+      // wheel fire after each step. Program changes use setValue, which
+      // raises neither signal.
+      connect(s, &QSlider::sliderReleased, this, [this, ctl, s] {
+        if (!painting_) ctl->slide(s->value());
+      });
+      connect(s, &QSlider::actionTriggered, this, [this, ctl, s](int) {
+        if (painting_ || s->isSliderDown()) return;
+        const int target = s->sliderPosition();  // the value is set after this signal
+        ctl->slide(target);
+      });
+      w = s;
+      break;
+    }
+    case ui::Kind::TextField: {
+      auto* e = new QLineEdit;
+      connect(e, &QLineEdit::textEdited, this, [this, ctl](const QString& t) {
+        if (!painting_) ctl->type(t.toStdString());
+      });
+      connect(e, &QLineEdit::returnPressed, this, [this, ctl] {
+        if (!painting_) ctl->click();
+      });
+      w = e;
+      break;
+    }
+    case ui::Kind::TextView: {
+      auto* t = new QPlainTextEdit;
+      t->setReadOnly(true);
+      t->setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
+      t->setTabChangesFocus(true);
+      w = t;
+      break;
+    }
+    case ui::Kind::LevelIndicator: {
+      auto* p = new QProgressBar;
+      p->setTextVisible(false);
+      p->setMinimumWidth(160);
+      w = p;
+      break;
+    }
+    case ui::Kind::Box:
+      w = new QGroupBox;
+      break;
+    case ui::Kind::TabView: {
+      auto* tabs = new QTabWidget;
+      connect(tabs, &QTabWidget::currentChanged, this, [this, ctl](int index) {
+        if (painting_ || index < 0 || index == ctl->selectedIndex()) return;
+        ctl->choose(index);
+      });
+      w = tabs;
+      break;
+    }
+    case ui::Kind::Table: {
+      auto* table = new QTableWidget;
+      table->horizontalHeader()->setStretchLastSection(true);
+      table->verticalHeader()->setDefaultSectionSize(27);
+      table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+      w = table;
+      break;
+    }
+    case ui::Kind::Label:
+      w = new QLabel;
+      break;
+    case ui::Kind::MenuItem: {
+      auto* a = new QAction(this);
+      a->setCheckable(true);
+      connect(a, &QAction::triggered, this, [this, ctl] {
+        if (painting_) return;
+        ctl->click();
+        repaint(*ctl);
+      });
+      actions_[c.outlet()] = a;
+      break;
+    }
+  }
+  if (w) {
+    w->setObjectName(q(c.outlet()));
+    w->setAccessibleName(accessibleNameFor(c));
+    widgets_[c.outlet()] = w;
+  }
+  c.setObserver([this](const ui::Control& changed) { repaint(changed); });
+}
+
+void Binder::repaintAll() {
+  for (const auto& c : model_.controls()) repaint(*c);
+}
+
+void Binder::repaint(const ui::Control& c) {
+  const bool outer = painting_;
+  painting_ = true;
+  if (QAction* a = action(c.outlet())) {
+    a->setText(q(c.title()));
+    a->setChecked(c.state() != 0);
+    a->setEnabled(c.enabled());
+    a->setVisible(c.visible());
+  } else if (QWidget* w = widget(c.outlet())) {
+    paintWidget(c, w);
+  }
+  painting_ = outer;
+  if (hook_) hook_(c);
+}
+
+void Binder::paintWidget(const ui::Control& c, QWidget* w) {
+  if (w->isEnabled() != c.enabled()) w->setEnabled(c.enabled());
+  // Showing a widget that has no parent yet would open it as its own window.
+  if (!c.visible() || w->parentWidget()) w->setVisible(c.visible());
+
+  switch (c.kind()) {
+    case ui::Kind::Button: {
+      auto* b = static_cast<QAbstractButton*>(w);
+      const QString title = q(c.title());
+      if (b->text() != title) {
+        b->setText(title);
+        // What the button shows (a frequency, a channel) is its description;
+        // the name stays what the button is.
+        b->setAccessibleDescription(title == b->accessibleName() ? QString() : title);
+        notifyAccessible(b, QAccessible::DescriptionChanged);
+      }
+      if (auto* cb = qobject_cast<QCheckBox*>(b)) cb->setChecked(c.state() != 0);
+      b->setIcon(buttonImage(c.image()));
+      const QString colour = bezelColour(c.bezel());
+      const QString style = colour.isEmpty() ? QString()
+                                             : QStringLiteral(
+                                                   "QPushButton{background-color:%1;color:white;border:1px solid %1;"
+                                                   "border-radius:4px;padding:4px 8px;}"
+                                                   "QPushButton:pressed{background-color:%1;border:2px solid white;}"
+                                                   "QPushButton:focus{border:2px solid palette(highlight);}"
+                                                   "QPushButton:disabled{color:#dddddd;}")
+                                                   .arg(colour);
+      if (b->styleSheet() != style) b->setStyleSheet(style);
+      w->setProperty("bezel", static_cast<int>(c.bezel()));
+      break;
+    }
+    case ui::Kind::PopUp: {
+      auto* box = static_cast<QComboBox*>(w);
+      const auto& entries = c.entries();
+      bool same = box->count() == static_cast<int>(entries.size());
+      for (int i = 0; same && i < box->count(); ++i) {
+        const auto& e = entries[static_cast<std::size_t>(i)];
+        same = box->itemText(i) == q(e.title) && box->itemData(i, Qt::UserRole + 1).toString() == q(e.image);
+      }
+      if (!same) {
+        // Large lists (thousands of values) go in with one model reset.
+        auto* m = new QStandardItemModel(box);
+        m->setColumnCount(1);
+        QList<QStandardItem*> items;
+        items.reserve(static_cast<qsizetype>(entries.size()));
+        for (const auto& e : entries) {
+          auto* item = new QStandardItem(statusIcon(e.image), q(e.title));
+          item->setData(q(e.image), Qt::UserRole + 1);
+          item->setData(e.tag, Qt::UserRole + 2);
+          if (e.heading) item->setFlags(Qt::NoItemFlags);
+          items.push_back(item);
+        }
+        m->invisibleRootItem()->appendRows(items);
+        box->setModel(m);  // deletes the previous model, which the box owns
+      }
+      if (box->currentIndex() != c.selectedIndex()) {
+        box->setCurrentIndex(c.selectedIndex());
+        if (QAccessible::isActive()) {
+          QAccessibleValueChangeEvent e(box, box->currentText());
+          QAccessible::updateAccessibility(&e);
+        }
+      }
+      break;
+    }
+    case ui::Kind::Slider: {
+      auto* s = static_cast<QSlider*>(w);
+      if (s->minimum() != c.minValue() || s->maximum() != c.maxValue()) s->setRange(c.minValue(), c.maxValue());
+      if (!s->isSliderDown() && s->value() != c.value()) s->setValue(c.value());
+      s->setPageStep(std::max(1, (c.maxValue() - c.minValue()) / 16));
+      s->setAccessibleDescription(QString::number(c.value()));
+      break;
+    }
+    case ui::Kind::TextField: {
+      auto* e = static_cast<QLineEdit*>(w);
+      if (e->text() != q(c.text())) e->setText(q(c.text()));
+      if (!c.title().empty()) e->setPlaceholderText(q(c.title()));
+      break;
+    }
+    case ui::Kind::TextView: {
+      auto* t = static_cast<QPlainTextEdit*>(w);
+      if (t->toPlainText() != q(c.text())) t->setPlainText(q(c.text()));
+      break;
+    }
+    case ui::Kind::LevelIndicator: {
+      auto* p = static_cast<QProgressBar*>(w);
+      if (p->minimum() != c.minValue() || p->maximum() != c.maxValue()) p->setRange(c.minValue(), c.maxValue());
+      if (p->value() != c.value()) {
+        p->setValue(c.value());  // QProgressBar reports the new value to assistive technologies
+        p->setAccessibleDescription(QString::number(c.value()));
+      }
+      break;
+    }
+    case ui::Kind::Box:
+      static_cast<QGroupBox*>(w)->setTitle(q(c.title()));
+      break;
+    case ui::Kind::TabView: {
+      auto* tabs = static_cast<QTabWidget*>(w);
+      const auto& entries = c.entries();
+      for (int i = 0; i < static_cast<int>(entries.size()); ++i) {
+        const QString title = q(entries[static_cast<std::size_t>(i)].title);
+        if (i >= tabs->count()) {
+          auto* page = new QWidget;
+          page->setObjectName(q(c.outlet()) + QStringLiteral("Page%1").arg(i));
+          tabs->addTab(page, title);
+        } else if (tabs->tabText(i) != title) {
+          tabs->setTabText(i, title);
+        }
+      }
+      if (c.selectedIndex() >= 0 && tabs->currentIndex() != c.selectedIndex()) tabs->setCurrentIndex(c.selectedIndex());
+      break;
+    }
+    case ui::Kind::Table: {
+      auto* table = static_cast<QTableWidget*>(w);
+      const auto& cols = c.columns();
+      if (table->columnCount() != static_cast<int>(cols.size())) table->setColumnCount(static_cast<int>(cols.size()));
+      for (int i = 0; i < static_cast<int>(cols.size()); ++i) {
+        const auto& col = cols[static_cast<std::size_t>(i)];
+        table->setHorizontalHeaderItem(i, new QTableWidgetItem(q(col.title)));
+        table->setColumnWidth(i, col.width);
+      }
+      break;
+    }
+    case ui::Kind::Label:
+      static_cast<QLabel*>(w)->setText(q(c.title()));
+      break;
+    case ui::Kind::MenuItem:
+      break;
+  }
+}
+
+}  // namespace tolvane::desktop

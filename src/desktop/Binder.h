@@ -1,0 +1,64 @@
+// The one binder between the controls model and the Qt widgets. It makes one
+// widget (or menu action) per model control, repaints the widget from the
+// control's observer, and turns the operator's gestures into the control's
+// click(), choose(), slide() and type(). A change made by the program repaints
+// the widget and never fires an action: only user-only signals are used
+// (activated, sliderReleased, actionTriggered, textEdited, triggered) and a
+// guard drops the signals that the repaint itself raises.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "ui/Controls.h"
+
+class QAction;
+class QWidget;
+
+namespace tolvane::desktop {
+
+// The stable name a screen reader announces for a control ("VFO A",
+// "Band 20 m", "Mode", "AF gain"); also the text of its label in the window.
+QString accessibleNameFor(const ui::Control& control);
+
+class Binder : public QObject {
+  Q_OBJECT
+ public:
+  explicit Binder(ui::Window& model, QObject* parent = nullptr);
+  ~Binder() override;
+
+  // The widget of a control (nullptr for menu items and unknown outlets).
+  // Widgets are created without a parent; the window lays them out and owns them.
+  QWidget* widget(const std::string& outlet) const;
+  template <class W>
+  W* widgetAs(const std::string& outlet) const {
+    return qobject_cast<W*>(widget(outlet));
+  }
+  // The menu action of a menu-item control.
+  QAction* action(const std::string& outlet) const;
+  const ui::Window& model() const { return model_; }
+
+  // Paints every widget from its control again (after the window is laid out).
+  void repaintAll();
+  // Called after every repaint with the control, for tracing and measurement.
+  void setRepaintHook(std::function<void(const ui::Control&)> hook) { hook_ = std::move(hook); }
+
+  // Colours of the bezels, chosen to read with white text on light and dark palettes.
+  static QString bezelColour(ui::Bezel bezel);
+
+ private:
+  void create(ui::Control& c);
+  void repaint(const ui::Control& c);
+  void paintWidget(const ui::Control& c, QWidget* w);
+
+  ui::Window& model_;
+  std::map<std::string, QWidget*> widgets_;
+  std::map<std::string, QAction*> actions_;
+  std::function<void(const ui::Control&)> hook_;
+  bool painting_ = false;  // set while the program's change is applied to a widget
+};
+
+}  // namespace tolvane::desktop

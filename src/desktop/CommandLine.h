@@ -1,0 +1,23 @@
+// The program's command line: --port NAME, --connect, --list-ports, --version, --help.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace tolvane::desktop {
+
+struct Options {
+  QString port;  // a port title, system name or device path; empty: the saved choice
+  bool connect = false;
+  bool listPorts = false;
+};
+
+// Parses the arguments; --help and --version print and exit the process.
+// A malformed command line prints the error and the usage, and exits with 2.
+Options parseCommandLine(const QStringList& arguments);
+
+// Whether a listed port answers to what the operator typed after --port:
+// its title, its system name, or its device path.
+bool portMatches(const QString& wanted, const QString& title, const QString& name);
+
+}  // namespace tolvane::desktop

@@ -1,0 +1,384 @@
+#include "desktop/MainWindow.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "app/WindowLayout.h"
+
+namespace tolvane::desktop {
+
+namespace {
+
+// A page's content scrolls when the window is smaller than the content, so
+// nothing is ever clipped or overlapped.
+QWidget* scrollingContent(QWidget* page) {
+  auto* outer = new QVBoxLayout(page);
+  outer->setContentsMargins(0, 0, 0, 0);
+  auto* scroll = new QScrollArea;
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  auto* content = new QWidget;
+  scroll->setWidget(content);
+  outer->addWidget(scroll);
+  return content;
+}
+
+std::vector<std::string> range(const std::string& prefix, int from, int to, const std::string& suffix) {
+  std::vector<std::string> out;
+  for (int i = from; i <= to; ++i) out.push_back(prefix + std::to_string(i) + suffix);
+  return out;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), binder_(binder) {
+  setWindowTitle(QStringLiteral("Tolvane"));
+  setMinimumSize(960, 640);
+  resize(1320, 860);
+
+  auto* tabs = binder_.widgetAs<QTabWidget>("mainTab");
+  placed_.insert("mainTab");
+  setCentralWidget(tabs);
+  tabs->setDocumentMode(true);
+
+  buildMenus();
+  const ui::Control& main = binder_.model().at("mainTab");
+  for (int i = 0; i < static_cast<int>(main.entries().size()); ++i) {
+    QWidget* page = tabs->widget(i);
+    if (!page) continue;
+    if (i == kPageConnection)
+      buildConnectionPage(page);
+    else if (i == kPageOperate)
+      buildOperatePage(page);
+    else
+      buildGenericPage(page, "mainTab", i);
+  }
+  fixFocusOrder();
+  binder_.repaintAll();
+}
+
+bool MainWindow::event(QEvent* e) {
+  const bool handled = QMainWindow::event(e);
+  // The first update request of a shown window is the one that puts its pixels on screen.
+  if (!painted_ && e->type() == QEvent::UpdateRequest && isVisible()) {
+    painted_ = true;
+    emit firstPainted();
+  }
+  return handled;
+}
+
+std::vector<std::string> MainWindow::unplacedOutlets() const {
+  std::vector<std::string> out;
+  for (const auto& c : binder_.model().controls()) {
+    if (c->kind() == ui::Kind::MenuItem) continue;
+    if (!placed_.count(c->outlet())) out.push_back(c->outlet());
+  }
+  return out;
+}
+
+QWidget* MainWindow::take(const std::string& outlet) {
+  QWidget* w = binder_.widget(outlet);
+  if (!w || placed_.count(outlet)) return nullptr;
+  placed_.insert(outlet);
+  if (w->focusPolicy() != Qt::NoFocus) focusOrder_.push_back(w);
+  return w;
+}
+
+QWidget* MainWindow::labelled(const std::string& outlet) { return take(outlet); }
+
+void MainWindow::addRow(QFormLayout* form, const std::string& outlet) {
+  const ui::Control* c = binder_.model().find(outlet);
+  QWidget* w = take(outlet);
+  if (!c || !w) return;
+  auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
+  label->setBuddy(w);
+  form->addRow(label, w);
+}
+
+void MainWindow::addButtons(QGridLayout* grid, const std::vector<std::string>& outlets, int columns, int firstRow) {
+  int i = 0;
+  for (const auto& o : outlets) {
+    QWidget* w = take(o);
+    if (!w) continue;
+    w->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    grid->addWidget(w, firstRow + i / columns, i % columns);
+    ++i;
+  }
+}
+
+QGroupBox* MainWindow::group(const QString& title) {
+  auto* g = new QGroupBox(title);
+  return g;
+}
+
+void MainWindow::buildMenus() {
+  QMenu* prefs = menuBar()->addMenu(QStringLiteral("&Preferences"));
+  for (const auto& c : binder_.model().controls()) {
+    if (c->kind() != ui::Kind::MenuItem) continue;
+    if (QAction* a = binder_.action(c->outlet())) prefs->addAction(a);
+  }
+  QMenu* file = menuBar()->addMenu(QStringLiteral("&Window"));
+  QAction* quit = file->addAction(QStringLiteral("&Quit"));
+  quit->setShortcut(QKeySequence::Quit);
+  connect(quit, &QAction::triggered, this, &QWidget::close);
+}
+
+void MainWindow::buildConnectionPage(QWidget* page) {
+  QWidget* content = scrollingContent(page);
+  auto* v = new QVBoxLayout(content);
+
+  auto* link = qobject_cast<QGroupBox*>(take("catBox"));
+  if (!link) link = group(QStringLiteral("Radio link"));
+  auto* form = new QFormLayout(link);
+  form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+  if (auto* portBox = binder_.widgetAs<QComboBox>("PortPopUpButton")) {
+    portBox->setMinimumContentsLength(24);
+    portBox->setPlaceholderText(QStringLiteral("Choose a port"));
+  }
+  addRow(form, "PortPopUpButton");
+  addRow(form, "BaudPopUpButton");
+  auto* buttons = new QHBoxLayout;
+  for (const char* o : {"openCloseButton", "readMemoriesButton"})
+    if (QWidget* w = take(o)) buttons->addWidget(w);
+  buttons->addStretch();
+  form->addRow(QString(), buttons);
+  if (QWidget* connect = binder_.widget("openCloseButton")) connect->setMinimumWidth(140);
+  v->addWidget(link);
+
+  QGroupBox* raw = group(QStringLiteral("Raw command"));
+  auto* rawLayout = new QGridLayout(raw);
+  if (const ui::Control* c = binder_.model().find("sendTextField")) {
+    auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
+    QWidget* field = take("sendTextField");
+    label->setBuddy(field);
+    rawLayout->addWidget(label, 0, 0);
+    rawLayout->addWidget(field, 0, 1);
+  }
+  if (QWidget* w = take("sendButton")) rawLayout->addWidget(w, 0, 2);
+  if (QWidget* w = take("lineEndingCheckBox")) rawLayout->addWidget(w, 1, 0);
+  if (QWidget* w = take("lineEndingPopUpButton")) rawLayout->addWidget(w, 1, 1, Qt::AlignLeft);
+  if (QWidget* w = take("receivedDataTextView")) {
+    w->setMinimumHeight(120);
+    rawLayout->addWidget(w, 2, 0, 1, 3);
+  }
+  rawLayout->setColumnStretch(1, 1);
+  v->addWidget(raw);
+
+  placeRest(content, "mainTab", kPageConnection, v);
+  v->addStretch();
+}
+
+void MainWindow::buildOperatePage(QWidget* page) {
+  QWidget* content = scrollingContent(page);
+  auto* columns = new QHBoxLayout(content);
+  auto* colA = new QVBoxLayout;
+  auto* colB = new QVBoxLayout;
+  auto* colC = new QVBoxLayout;
+  columns->addLayout(colA, 4);
+  columns->addLayout(colB, 5);
+  columns->addLayout(colC, 4);
+
+  // ---- Column A: the frequency display, entry, meter and gains.
+  QGroupBox* vfo = group(QStringLiteral("Frequency"));
+  auto* vg = new QGridLayout(vfo);
+  QFont big = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  big.setPointSize(std::max(18, QApplication::font().pointSize() * 2));
+  big.setBold(true);
+  int col = 0;
+  for (const char* o : {"tlFreqAButton", "tlFreqBButton"}) {
+    if (QWidget* w = take(o)) {
+      w->setFont(big);
+      w->setMinimumHeight(QFontMetrics(big).height() + 24);
+      w->setMinimumWidth(QFontMetrics(big).horizontalAdvance(QStringLiteral("00.000.000")) + 32);
+      w->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+      vg->addWidget(w, 0, col, 1, 2);
+      col += 2;
+    }
+  }
+  addButtons(vg,
+             {"tlMemAButton", "tlMemBButton", "swapAButton", "swapBButton", "vfoMemoryButton", "licenseClassButton"}, 4,
+             1);
+  colA->addWidget(vfo);
+
+  QGroupBox* entry = group(QStringLiteral("Tune and call"));
+  auto* eg = new QGridLayout(entry);
+  int row = 0;
+  for (auto [field, buttonOutlet] :
+       {std::pair{"freqTextField", "tuneButton"}, std::pair{"callTextField", "saveCallButton"}}) {
+    const ui::Control* c = binder_.model().find(field);
+    QWidget* w = take(field);
+    if (!c || !w) continue;
+    auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
+    label->setBuddy(w);
+    eg->addWidget(label, row, 0);
+    eg->addWidget(w, row, 1);
+    if (QWidget* b = take(buttonOutlet)) eg->addWidget(b, row, 2);
+    ++row;
+  }
+  eg->setColumnStretch(1, 1);
+  colA->addWidget(entry);
+
+  QGroupBox* meter = group(QStringLiteral("Meter"));
+  auto* mf = new QFormLayout(meter);
+  addRow(mf, "sMeter");
+  addRow(mf, "smeterPopUpButton");
+  colA->addWidget(meter);
+
+  QGroupBox* gains = group(QStringLiteral("Gains"));
+  auto* gf = new QFormLayout(gains);
+  addRow(gf, "afGainSlider");
+  addRow(gf, "rfGainSlider");
+  if (QWidget* w = take("muteButton")) gf->addRow(QString(), w);
+  colA->addWidget(gains);
+
+  if (auto* keyer = qobject_cast<QGroupBox*>(take("sendBox"))) {
+    auto* kg = new QGridLayout(keyer);
+    addButtons(kg, range("textMemory", 1, 5, "Button"), 5);
+    if (QWidget* w = take("textMemoryField")) kg->addWidget(w, 1, 0, 1, 3);
+    if (QWidget* w = take("sendTextMemoryButton")) kg->addWidget(w, 1, 3);
+    if (QWidget* w = take("clearTextMemoryButton")) kg->addWidget(w, 1, 4);
+    if (QWidget* w = take("sentTextMemoryField")) {
+      w->setMaximumHeight(90);
+      kg->addWidget(w, 2, 0, 1, 5);
+    }
+    colA->addWidget(keyer);
+  }
+  colA->addStretch();
+
+  // ---- Column B: bands, modes, receiver toggles, transmit.
+  QGroupBox* bands = group(QStringLiteral("Band"));
+  auto* bg = new QGridLayout(bands);
+  std::vector<std::string> bandOutlets;
+  for (const BandButton& b : kBandButtons) bandOutlets.push_back(b.outlet);
+  addButtons(bg, bandOutlets, 7);
+  colB->addWidget(bands);
+
+  QGroupBox* modes = group(QStringLiteral("Mode"));
+  auto* mv = new QVBoxLayout(modes);
+  auto* mg = new QGridLayout;
+  std::vector<std::string> modeOutlets;
+  for (const auto& c : binder_.model().onPage("mainTab", kPageOperate))
+    if (c->kind() == ui::Kind::Button && c->tag() >= 200 && c->tag() <= 215) modeOutlets.push_back(c->outlet());
+  addButtons(mg, modeOutlets, 4);
+  mv->addLayout(mg);
+  auto* modeForm = new QFormLayout;
+  addRow(modeForm, "modesPopUpButton");
+  addRow(modeForm, "memPopUpButton");
+  mv->addLayout(modeForm);
+  colB->addWidget(modes);
+
+  QGroupBox* rx = group(QStringLiteral("Receiver"));
+  auto* rg = new QGridLayout(rx);
+  addButtons(rg,
+             {"nrButton", "nbButton", "dnfButton", "notchButton", "contButton", "breakInButton", "bkinButton",
+              "bkinOffButton", "heldButton", "markerButton"},
+             4);
+  colB->addWidget(rx);
+
+  QGroupBox* tx = group(QStringLiteral("Transmit and tuning"));
+  auto* tg = new QGridLayout(tx);
+  addButtons(tg,
+             {"powerOnButton", "powerOffButton", "tunePowerButton", "fullPowerButton", "tunerButton",
+              "stepDownSmallButton", "stepUpSmallButton", "stepDownLargeButton", "stepUpLargeButton",
+              "quickMemoryInButton", "quickMemoryRecallButton", "makerPageButton"},
+             4);
+  colB->addWidget(tx);
+  colB->addStretch();
+
+  // ---- Column C: receiver settings and the scope.
+  QGroupBox* settings = group(QStringLiteral("Receiver settings"));
+  auto* sf = new QFormLayout(settings);
+  for (const char* o :
+       {"ampPopUpButton", "ATTPopUpButton", "AGCPopUpButton", "RFILPopUpButton", "NBPopupButton", "DNRPopupButton",
+        "MPVDButton", "FuncKnobButton", "powerPopUpButton", "APOPopUpButton", "macroPopUpButton"})
+    addRow(sf, o);
+  colC->addWidget(settings);
+
+  QGroupBox* scope = group(QStringLiteral("Scope"));
+  auto* sv = new QVBoxLayout(scope);
+  auto* scopeForm = new QFormLayout;
+  for (const char* o : {"spectrumModePopUpButton", "scopeSpanPopUpButton", "scopeSpeedPopUpButton",
+                        "scopeLevelPopUpButton", "scopeMarkerPopUpButton", "colorPopUpButton"})
+    addRow(scopeForm, o);
+  sv->addLayout(scopeForm);
+  auto* colours = new QGridLayout;
+  addButtons(colours, range("scopeColor", 0, 10, "Button"), 6);
+  sv->addLayout(colours);
+  colC->addWidget(scope);
+
+  placeRest(content, "mainTab", kPageOperate, colC);
+  colC->addStretch();
+}
+
+void MainWindow::buildGenericPage(QWidget* page, const std::string& tabOutlet, int pageIndex) {
+  QWidget* content = scrollingContent(page);
+  auto* v = new QVBoxLayout(content);
+  placeRest(content, tabOutlet, pageIndex, v);
+  v->addStretch();
+}
+
+// Places every control of a page that no hand-made group took: nested tab
+// views and tables full width, buttons in a grid, the rest in a labelled form.
+void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex, QBoxLayout* into) {
+  std::vector<std::string> buttons;
+  QFormLayout* form = nullptr;
+  for (ui::Control* c : binder_.model().onPage(tabOutlet, pageIndex)) {
+    if (placed_.count(c->outlet())) continue;
+    switch (c->kind()) {
+      case ui::Kind::TabView: {
+        QWidget* w = take(c->outlet());
+        if (!w) break;
+        into->addWidget(w, 1);
+        auto* tabs = qobject_cast<QTabWidget*>(w);
+        for (int i = 0; tabs && i < tabs->count(); ++i) buildGenericPage(tabs->widget(i), c->outlet(), i);
+        break;
+      }
+      case ui::Kind::Table:
+      case ui::Kind::TextView:
+      case ui::Kind::Box:
+        if (QWidget* w = take(c->outlet())) into->addWidget(w, c->kind() == ui::Kind::Table ? 1 : 0);
+        break;
+      case ui::Kind::Button:
+        buttons.push_back(c->outlet());
+        break;
+      default:
+        if (!form) {
+          auto* holder = new QWidget;
+          form = new QFormLayout(holder);
+          form->setContentsMargins(0, 0, 0, 0);
+          into->addWidget(holder);
+        }
+        addRow(form, c->outlet());
+        break;
+    }
+  }
+  if (!buttons.empty()) {
+    auto* holder = new QWidget;
+    auto* grid = new QGridLayout(holder);
+    grid->setContentsMargins(0, 0, 0, 0);
+    addButtons(grid, buttons, 4);
+    into->addWidget(holder);
+  }
+}
+
+void MainWindow::fixFocusOrder() {
+  // Tab moves through each page in reading order: the order controls were placed.
+  for (std::size_t i = 1; i < focusOrder_.size(); ++i) QWidget::setTabOrder(focusOrder_[i - 1], focusOrder_[i]);
+}
+
+}  // namespace tolvane::desktop

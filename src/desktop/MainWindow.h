@@ -1,0 +1,58 @@
+// The main window: the widgets the binder made, arranged in grouped layouts on
+// the pages of the main tabs, plus the Preferences menu. It holds no program
+// rule; every action goes through the controls model.
+#pragma once
+
+#include <QMainWindow>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "desktop/Binder.h"
+
+class QBoxLayout;
+class QGridLayout;
+class QFormLayout;
+class QGroupBox;
+class QTabWidget;
+
+namespace tolvane::desktop {
+
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+ public:
+  MainWindow(Binder& binder, QWidget* parent = nullptr);
+
+  // Widgets in keyboard focus order, page by page (for tests and diagnostics).
+  const std::vector<QWidget*>& focusOrder() const { return focusOrder_; }
+  // Outlets of the model that have no place in the window (a layout fault).
+  std::vector<std::string> unplacedOutlets() const;
+
+ signals:
+  // Emitted once, when the window is first painted on screen.
+  void firstPainted();
+
+ protected:
+  bool event(QEvent* e) override;
+
+ private:
+  QWidget* take(const std::string& outlet);
+  QWidget* labelled(const std::string& outlet);
+  void addRow(QFormLayout* form, const std::string& outlet);
+  void addButtons(QGridLayout* grid, const std::vector<std::string>& outlets, int columns, int firstRow = 0);
+  QGroupBox* group(const QString& title);
+  void placeRest(QWidget* page, const std::string& tabOutlet, int pageIndex, QBoxLayout* into);
+
+  void buildMenus();
+  void buildConnectionPage(QWidget* page);
+  void buildOperatePage(QWidget* page);
+  void buildGenericPage(QWidget* page, const std::string& tabOutlet, int pageIndex);
+  void fixFocusOrder();
+
+  Binder& binder_;
+  std::set<std::string> placed_;
+  std::vector<QWidget*> focusOrder_;
+  bool painted_ = false;
+};
+
+}  // namespace tolvane::desktop

@@ -1,0 +1,165 @@
+#include "desktop/QtSerial.h"
+
+#include <QFileInfo>
+#include <QSerialPortInfo>
+#include <algorithm>
+#include <set>
+
+#include "desktop/UdevMonitor.h"
+
+namespace tolvane::desktop {
+
+// ---------------------------------------------------------------- QtSerialPort
+
+QtSerialPort::QtSerialPort(const QString& location, QObject* parent) : QObject(parent), location_(location) {
+  port_.setPortName(location);
+  // A path keeps its full text as its name, so "/dev/pts/3" stays recognisable.
+  name_ = location.startsWith('/') ? location.toStdString() : QSerialPortInfo(port_).portName().toStdString();
+  if (name_.empty()) name_ = location.toStdString();
+  connect(&port_, &QSerialPort::readyRead, this, [this] { readAvailable(); });
+  connect(&port_, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError e) { handleError(e); });
+}
+
+QtSerialPort::~QtSerialPort() {
+  listener_ = nullptr;
+  if (port_.isOpen()) port_.close();
+}
+
+std::string QtSerialPort::name() const { return name_; }
+
+// The port list shows system names ("ttyUSB0"); the title is also what the
+// settings store remembers as the last port.
+std::string QtSerialPort::description() const { return name_; }
+
+bool QtSerialPort::isOpen() const { return port_.isOpen(); }
+
+void QtSerialPort::setBaudRate(std::int64_t baud) {
+  baud_ = baud;
+  if (port_.isOpen()) port_.setBaudRate(static_cast<qint32>(baud));
+}
+
+void QtSerialPort::open(const platform::SerialSettings& s) {
+  if (port_.isOpen()) return;
+  baud_ = s.baudRate;
+  port_.setBaudRate(static_cast<qint32>(s.baudRate));
+  port_.setParity(s.parity == platform::Parity::Odd    ? QSerialPort::OddParity
+                  : s.parity == platform::Parity::Even ? QSerialPort::EvenParity
+                                                       : QSerialPort::NoParity);
+  port_.setStopBits(s.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
+  port_.setFlowControl(s.rtsCts ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
+  if (!port_.open(QIODevice::ReadWrite)) {
+    const std::string error = port_.errorString().toStdString();
+    port_.clearError();
+    if (listener_) listener_->serialPortDidEncounterError(*this, error);
+    return;
+  }
+  if (listener_) listener_->serialPortWasOpened(*this);
+}
+
+void QtSerialPort::close() {
+  if (!port_.isOpen()) return;
+  port_.close();
+  if (listener_) listener_->serialPortWasClosed(*this);
+}
+
+bool QtSerialPort::sendData(std::string_view bytes) {
+  if (!port_.isOpen()) return false;
+  const qint64 n = port_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+  return n == static_cast<qint64>(bytes.size());
+}
+
+void QtSerialPort::readAvailable() {
+  const QByteArray data = port_.readAll();
+  if (!data.isEmpty() && listener_)
+    listener_->serialPortDidReceiveData(*this,
+                                        std::string_view(data.constData(), static_cast<std::size_t>(data.size())));
+}
+
+void QtSerialPort::handleError(QSerialPort::SerialPortError error) {
+  switch (error) {
+    case QSerialPort::NoError:
+    case QSerialPort::TimeoutError:
+      return;
+    case QSerialPort::ResourceError:
+    case QSerialPort::ReadError:
+    case QSerialPort::WriteError: {
+      if (!port_.isOpen()) return;
+      // The device went away. Close at once, before the read notifier can fire
+      // again, and report the removal; the listener is not told of a close.
+      port_.clearError();
+      port_.close();
+      if (listener_) listener_->serialPortWasRemovedFromSystem(*this);
+      return;
+    }
+    default: {
+      if (!port_.isOpen()) return;  // open() reports its own failure
+      const std::string text = port_.errorString().toStdString();
+      port_.clearError();
+      if (listener_) listener_->serialPortDidEncounterError(*this, text);
+      return;
+    }
+  }
+}
+
+// ---------------------------------------------------------------- QtPortManager
+
+namespace {
+
+std::vector<QString> systemPortNames() {
+  std::vector<QString> names;
+  for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) names.push_back(info.portName());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace
+
+QtPortManager::QtPortManager(QObject* parent) : QObject(parent) {
+  for (const QString& n : systemPortNames()) portFor(n);
+  monitor_ = std::make_unique<UdevMonitor>(
+      "tty", [this](const std::string& action, const std::string& sysname) { deviceEvent(action, sysname); });
+}
+
+QtPortManager::~QtPortManager() = default;
+
+bool QtPortManager::watchingHotPlug() const { return monitor_ && monitor_->isRunning(); }
+
+platform::SerialPortPtr QtPortManager::portFor(const QString& location) {
+  auto it = ports_.find(location);
+  if (it != ports_.end()) return it->second;
+  auto port = std::make_shared<QtSerialPort>(location);
+  ports_[location] = port;
+  return port;
+}
+
+void QtPortManager::addExtraPort(const QString& location) {
+  if (std::find(extra_.begin(), extra_.end(), location) == extra_.end()) extra_.push_back(location);
+}
+
+std::vector<platform::SerialPortPtr> QtPortManager::availablePorts() {
+  std::vector<platform::SerialPortPtr> out;
+  for (const QString& n : systemPortNames()) out.push_back(portFor(n));
+  for (const QString& e : extra_) {
+    if (QFileInfo::exists(e)) out.push_back(portFor(e));
+  }
+  return out;
+}
+
+void QtPortManager::deviceEvent(const std::string& action, const std::string& sysname) {
+  // udev reports every tty; only those the serial-port list knows are ports.
+  const QString name = QString::fromStdString(sysname);
+  if (action == "add") {
+    const auto names = systemPortNames();
+    if (std::find(names.begin(), names.end(), name) == names.end()) return;
+    portFor(name);
+    if (listener_) listener_->serialPortsWereConnected({sysname});
+  } else if (action == "remove") {
+    auto it = ports_.find(name);
+    if (it == ports_.end()) return;
+    // The port object stays alive while the controller still holds it.
+    ports_.erase(it);
+    if (listener_) listener_->serialPortsWereDisconnected({sysname});
+  }
+}
+
+}  // namespace tolvane::desktop

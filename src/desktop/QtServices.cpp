@@ -1,0 +1,200 @@
+#include "desktop/QtServices.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QPushButton>
+#include <QSettings>
+#include <QTextToSpeech>
+#include <QTimer>
+#include <QUrl>
+#include <cstdio>
+
+namespace tolvane::desktop {
+
+// ---------------------------------------------------------------- scheduler
+
+void QtScheduler::after(platform::Duration delay, std::function<void()> task) {
+  const auto ms = std::max<std::int64_t>(0, delay.count());
+  // A precise timer: the on-open steps are a few seconds apart and their
+  // order must hold even for equal delays (Qt keeps insertion order).
+  QTimer::singleShot(std::chrono::milliseconds(ms), Qt::PreciseTimer, context_, std::move(task));
+}
+
+// ---------------------------------------------------------------- settings
+
+QtSettingsStore::QtSettingsStore() : settings_(std::make_unique<QSettings>("Tolvane", "Tolvane")) {}
+QtSettingsStore::~QtSettingsStore() = default;
+
+std::optional<std::string> QtSettingsStore::value(const std::string& key) const {
+  const QString k = QString::fromStdString(key);
+  if (!settings_->contains(k)) return std::nullopt;
+  return settings_->value(k).toString().toStdString();
+}
+
+void QtSettingsStore::setValue(const std::string& key, const std::string& value) {
+  settings_->setValue(QString::fromStdString(key), QString::fromStdString(value));
+  settings_->sync();
+}
+
+// ---------------------------------------------------------------- speech
+
+QtSpeech::QtSpeech(QString engine, QObject* parent) : QObject(parent), engineName_(std::move(engine)) {}
+QtSpeech::~QtSpeech() = default;
+
+void QtSpeech::startEngine() {
+  if (tts_ || failed_) return;
+  tts_ = new QTextToSpeech(engineName_, this);
+  if (tts_->state() == QTextToSpeech::Error) {
+    failed_ = true;
+    return;
+  }
+  tts_->setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
+  for (const QVoice& v : tts_->availableVoices()) {
+    if (v.locale() == QLocale(QLocale::English, QLocale::UnitedStates)) {
+      tts_->setVoice(v);
+      break;
+    }
+  }
+  connect(tts_, &QTextToSpeech::stateChanged, this, [this](QTextToSpeech::State s) {
+    if (s == QTextToSpeech::Ready && busy_) {
+      busy_ = false;
+      next();
+    } else if (s == QTextToSpeech::Error) {
+      failed_ = true;
+      busy_ = false;
+      queue_.clear();
+    }
+  });
+}
+
+void QtSpeech::speak(const std::string& text) {
+  if (text.empty()) return;
+  startEngine();
+  if (failed_) return;
+  queue_.push_back(QString::fromStdString(text));
+  if (!busy_) next();
+}
+
+void QtSpeech::next() {
+  if (busy_ || queue_.empty() || failed_) return;
+  busy_ = true;
+  tts_->say(queue_.front());
+  queue_.pop_front();
+}
+
+// ---------------------------------------------------------------- notifications
+
+namespace {
+const QString kService = QStringLiteral("org.freedesktop.Notifications");
+const QString kPath = QStringLiteral("/org/freedesktop/Notifications");
+}  // namespace
+
+QtNotifications::QtNotifications(QObject* parent) : QObject(parent) {
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  available_ = bus.isConnected();
+}
+
+std::uint32_t QtNotifications::deliver(const std::string& title, const std::string& text) {
+  if (!available_) return 0;
+  const std::uint32_t id = nextId_++;
+  QDBusMessage msg = QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("Notify"));
+  msg << QStringLiteral("Tolvane") << 0u << QString() << QString::fromStdString(title) << QString::fromStdString(text)
+      << QStringList() << QVariantMap() << -1;
+  auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(msg), this);
+  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, id](QDBusPendingCallWatcher* w) {
+    QDBusPendingReply<uint> reply = *w;
+    w->deleteLater();
+    const bool removeNow = removeOnArrival_.erase(id) > 0;
+    if (reply.isError()) return;  // no notification service: nothing shown
+    if (removeNow) {
+      QDBusMessage close =
+          QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("CloseNotification"));
+      close << reply.value();
+      QDBusConnection::sessionBus().asyncCall(close);
+    } else {
+      serverIds_[id] = reply.value();
+    }
+  });
+  return id;
+}
+
+void QtNotifications::remove(std::uint32_t id) {
+  auto it = serverIds_.find(id);
+  if (it == serverIds_.end()) {
+    if (id != 0 && id < nextId_) removeOnArrival_[id] = true;  // the server has not answered yet
+    return;
+  }
+  QDBusMessage msg = QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("CloseNotification"));
+  msg << it->second;
+  serverIds_.erase(it);
+  QDBusConnection::sessionBus().asyncCall(msg);
+}
+
+// ---------------------------------------------------------------- HTTP
+
+QtHttpClient::QtHttpClient(QObject* parent) : QObject(parent), nam_(new QNetworkAccessManager(this)) {}
+
+void QtHttpClient::send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) {
+  QNetworkRequest req(QUrl(QString::fromStdString(request.url)));
+  for (const auto& [k, v] : request.headers)
+    req.setRawHeader(QByteArray::fromStdString(k), QByteArray::fromStdString(v));
+  req.setTransferTimeout(static_cast<int>(request.timeout.count()));
+  req.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                   request.cache == platform::CachePolicy::ReloadIgnoringCache ? QNetworkRequest::AlwaysNetwork
+                                                                               : QNetworkRequest::PreferCache);
+  req.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+  const QByteArray body = QByteArray::fromStdString(request.body);
+  QNetworkReply* reply = nam_->sendCustomRequest(req, QByteArray::fromStdString(request.method), body);
+  connect(reply, &QNetworkReply::finished, this, [reply, done = std::move(done)] {
+    reply->deleteLater();
+    platform::HttpResponse r;
+    r.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    r.body = reply->readAll().toStdString();
+    // An HTTP error status is still an answer; only a missing answer is not ok.
+    r.ok = reply->error() == QNetworkReply::NoError || r.status != 0;
+    if (reply->error() != QNetworkReply::NoError) r.error = reply->errorString().toStdString();
+    done(r);
+  });
+}
+
+// ---------------------------------------------------------------- browser, alerts, log
+
+void QtBrowser::openUrl(const std::string& url) {
+  const QUrl u(QString::fromStdString(url));
+  if (u.isValid()) QDesktopServices::openUrl(u);
+}
+
+int QtAlerts::run(const platform::Alert& alert) {
+  QMessageBox box(parent_);
+  box.setWindowTitle(QStringLiteral("Tolvane"));
+  box.setIcon(alert.style == platform::AlertStyle::Warning ? QMessageBox::Warning : QMessageBox::Information);
+  box.setText(QString::fromStdString(alert.message));
+  box.setInformativeText(QString::fromStdString(alert.informativeText));
+  std::vector<QAbstractButton*> buttons;
+  const std::vector<std::string> titles = alert.buttons.empty() ? std::vector<std::string>{"OK"} : alert.buttons;
+  for (std::size_t i = 0; i < titles.size(); ++i) {
+    auto role = i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole;
+    buttons.push_back(box.addButton(QString::fromStdString(titles[i]), role));
+  }
+  box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
+  box.exec();
+  for (std::size_t i = 0; i < buttons.size(); ++i)
+    if (box.clickedButton() == buttons[i]) return static_cast<int>(i);
+  return static_cast<int>(buttons.size()) - 1;  // closed with Escape: the last (cancelling) button
+}
+
+void StdoutLog::line(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fputc('\n', stdout);
+  std::fflush(stdout);
+}
+
+}  // namespace tolvane::desktop

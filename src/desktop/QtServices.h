@@ -1,0 +1,111 @@
+// Qt implementations of the small platform services: timers, settings,
+// speech, desktop notifications, HTTP, the browser, alerts and the console log.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <deque>
+#include <map>
+#include <memory>
+
+#include "platform/Platform.h"
+
+class QNetworkAccessManager;
+class QTextToSpeech;
+class QWidget;
+class QSettings;
+
+namespace tolvane::desktop {
+
+class QtScheduler : public platform::Scheduler {
+ public:
+  // Tasks run on the event loop of `context`'s thread and die with it.
+  explicit QtScheduler(QObject* context) : context_(context) {}
+  void after(platform::Duration delay, std::function<void()> task) override;
+
+ private:
+  QObject* context_;
+};
+
+// QSettings under organisation and application "Tolvane"; string values.
+class QtSettingsStore : public platform::SettingsStore {
+ public:
+  QtSettingsStore();
+  ~QtSettingsStore() override;
+  std::optional<std::string> value(const std::string& key) const override;
+  void setValue(const std::string& key, const std::string& value) override;
+
+ private:
+  std::unique_ptr<QSettings> settings_;
+};
+
+// QTextToSpeech on a US English voice. Its say() cuts off the current
+// utterance, so the adapter keeps the queue and speaks the next one only when
+// the engine is ready again. The engine starts at the first utterance.
+class QtSpeech : public QObject, public platform::Speech {
+  Q_OBJECT
+ public:
+  explicit QtSpeech(QString engine = QStringLiteral("flite"), QObject* parent = nullptr);
+  ~QtSpeech() override;
+  void speak(const std::string& text) override;
+  std::size_t queued() const { return queue_.size(); }
+
+ private:
+  void startEngine();
+  void next();
+
+  QString engineName_;
+  QTextToSpeech* tts_ = nullptr;
+  bool failed_ = false;
+  bool busy_ = false;
+  std::deque<QString> queue_;
+};
+
+// Freedesktop notifications over the session bus. Calls never block: the
+// server's id arrives later and is matched to the id handed out here. With no
+// bus or no notification service nothing is shown and nothing fails.
+class QtNotifications : public QObject, public platform::Notifications {
+  Q_OBJECT
+ public:
+  explicit QtNotifications(QObject* parent = nullptr);
+  std::uint32_t deliver(const std::string& title, const std::string& text) override;
+  void remove(std::uint32_t id) override;
+
+ private:
+  bool available_ = false;
+  std::uint32_t nextId_ = 1;
+  std::map<std::uint32_t, std::uint32_t> serverIds_;  // ours -> server's
+  std::map<std::uint32_t, bool> removeOnArrival_;
+};
+
+class QtHttpClient : public QObject, public platform::HttpClient {
+  Q_OBJECT
+ public:
+  explicit QtHttpClient(QObject* parent = nullptr);
+  void send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) override;
+
+ private:
+  QNetworkAccessManager* nam_;
+};
+
+class QtBrowser : public platform::Browser {
+ public:
+  void openUrl(const std::string& url) override;
+};
+
+class QtAlerts : public platform::Alerts {
+ public:
+  explicit QtAlerts(QWidget* parent = nullptr) : parent_(parent) {}
+  void setParent(QWidget* parent) { parent_ = parent; }
+  int run(const platform::Alert& alert) override;
+
+ private:
+  QPointer<QWidget> parent_;
+};
+
+class StdoutLog : public platform::ConsoleLog {
+ public:
+  void line(const std::string& text) override;
+};
+
+}  // namespace tolvane::desktop

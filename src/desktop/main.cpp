@@ -1,0 +1,135 @@
+// Tolvane's desktop program: builds the platform services, the controls model,
+// the controller, the window and its binder, then runs the event loop.
+#include <QApplication>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+
+#include "app/SerialPortDemoController.h"
+#include "app/WindowLayout.h"
+#include "desktop/Binder.h"
+#include "desktop/CommandLine.h"
+#include "desktop/MainWindow.h"
+#include "desktop/QtSerial.h"
+#include "desktop/QtServices.h"
+#include "desktop/SoundPlayer.h"
+#ifdef TOLVANE_HAVE_SIM
+#include "sim/PortManagerWithSimulator.h"
+#endif
+
+using namespace tolvane;
+
+namespace {
+
+std::int64_t monotonicNs() {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+// With TOLVANE_TRACE set, timing marks go to standard error for the benchmark
+// and the end-to-end test: when the window is first on screen, every new
+// button title, and every event-loop stall longer than 20 ms.
+bool tracing() { return qEnvironmentVariableIsSet("TOLVANE_TRACE"); }
+
+void watchStalls(QObject* context) {
+  auto* timer = new QTimer(context);
+  auto* clock = new QElapsedTimer;
+  clock->start();
+  timer->setInterval(5);
+  timer->setTimerType(Qt::PreciseTimer);
+  QObject::connect(timer, &QTimer::timeout, context, [clock] {
+    const qint64 gap = clock->restart();
+    if (gap > 25)
+      std::fprintf(stderr, "trace stall %lld ms at %lld\n", static_cast<long long>(gap - 5),
+                   static_cast<long long>(monotonicNs()));
+  });
+  QObject::connect(context, &QObject::destroyed, [clock] { delete clock; });
+  timer->start();
+}
+
+bool headlessRequest(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const QByteArray a(argv[i]);
+    if (a == "--help" || a == "-h" || a == "--help-all" || a == "--version" || a == "-v" || a == "--list-ports")
+      return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // --help, --version and --list-ports need no display.
+  std::unique_ptr<QCoreApplication> app = headlessRequest(argc, argv) ? std::make_unique<QCoreApplication>(argc, argv)
+                                                                      : std::make_unique<QApplication>(argc, argv);
+  QCoreApplication::setOrganizationName(QStringLiteral("Tolvane"));
+  QCoreApplication::setApplicationName(QStringLiteral("Tolvane"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
+  const desktop::Options options = desktop::parseCommandLine(QCoreApplication::arguments());
+
+  QObject root;
+  desktop::QtScheduler scheduler(&root);
+  desktop::QtPortManager systemPorts;
+  if (options.port.startsWith('/')) systemPorts.addExtraPort(options.port);
+#ifdef TOLVANE_HAVE_SIM
+  sim::PortManagerWithSimulator ports(systemPorts, scheduler);
+#else
+  platform::PortManager& ports = systemPorts;
+#endif
+
+  if (options.listPorts) {
+    for (const auto& p : ports.availablePorts()) std::printf("%s\n", p->description().c_str());
+    return 0;
+  }
+
+  desktop::QtSettingsStore settings;
+  desktop::QtSpeech speech;
+  desktop::SoundPlayer sounds(desktop::soundsDirectory());
+  desktop::QtNotifications notifications;
+  desktop::QtHttpClient http;
+  desktop::QtBrowser browser;
+  desktop::QtAlerts alerts;
+  desktop::StdoutLog log;
+  platform::Services services{ports, scheduler, settings, speech, sounds, notifications, http, browser, alerts, log};
+
+  ui::Window model;
+  buildWindow(model);
+  SerialPortDemoController controller(services, model);
+  desktop::Binder binder(model);
+  desktop::MainWindow window(binder);
+  alerts.setParent(&window);
+
+  if (tracing()) {
+    binder.setRepaintHook([](const ui::Control& c) {
+      if (c.kind() == ui::Kind::Button)
+        std::fprintf(stderr, "trace title %s %s %lld\n", c.outlet().c_str(), c.title().c_str(),
+                     static_cast<long long>(monotonicNs()));
+    });
+    QObject::connect(&window, &desktop::MainWindow::firstPainted,
+                     [] { std::fprintf(stderr, "trace shown %lld\n", static_cast<long long>(monotonicNs())); });
+    watchStalls(&root);
+  }
+
+  controller.awakeFromNib();
+  if (!options.port.isEmpty()) {
+    bool found = false;
+    for (const auto& p : ports.availablePorts()) {
+      const QString title = QString::fromStdString(p->description());
+      if (desktop::portMatches(options.port, title, QString::fromStdString(p->name()))) {
+        found = controller.choosePort(p->description());
+        break;
+      }
+    }
+    if (!found) std::fprintf(stderr, "tolvane: no port named %s\n", qPrintable(options.port));
+  }
+  controller.applicationDidFinishLaunching();
+  window.show();
+  if (options.connect) {
+    // Pressing Connect for the operator, once the window is up.
+    QTimer::singleShot(0, &window, [&model] { model.at("openCloseButton").click(); });
+  }
+  return app->exec();
+}
