@@ -138,12 +138,6 @@ void Control::setHeld(bool held) {
   changed();
 }
 
-void Control::setHeld(bool held) {
-  if (held_ == held) return;
-  held_ = held;
-  changed();
-}
-
 void Control::click() {
   if (enabled_ && action_) action_(*this);
 }
