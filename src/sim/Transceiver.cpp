@@ -654,8 +654,9 @@ void Transceiver::advance(Duration by) {
       turnKnob(step);
     } else {
       nextMeter_ += kMeterStep;
-      int reading = state_.sMeter + std::uniform_int_distribution<int>(-25, 25)(random_);
-      if (std::uniform_int_distribution<int>(0, 19)(random_) == 0)
+      // Band noise around S3 to S5, now and then a strong signal.
+      int reading = std::uniform_int_distribution<int>(35, 75)(random_);
+      if (std::uniform_int_distribution<int>(0, 9)(random_) == 0)
         reading = std::uniform_int_distribution<int>(140, 230)(random_);
       setSMeter(reading);
     }
