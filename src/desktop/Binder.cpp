@@ -195,7 +195,7 @@ QString Binder::bezelColour(ui::Bezel bezel) {
     case ui::Bezel::Green:
       return QStringLiteral("#1b7f37");
     case ui::Bezel::Orange:
-      return QStringLiteral("#c25e00");
+      return QStringLiteral("#b05400");
     case ui::Bezel::Red:
       return QStringLiteral("#c0261f");
     case ui::Bezel::Purple:

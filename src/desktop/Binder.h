@@ -8,7 +8,9 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
+#include <QWidget>
 #include <functional>
 #include <map>
 #include <string>
@@ -55,7 +57,7 @@ class Binder : public QObject {
   void paintWidget(const ui::Control& c, QWidget* w);
 
   ui::Window& model_;
-  std::map<std::string, QWidget*> widgets_;
+  std::map<std::string, QPointer<QWidget>> widgets_;
   std::map<std::string, QAction*> actions_;
   std::function<void(const ui::Control&)> hook_;
   bool painting_ = false;  // set while the program's change is applied to a widget

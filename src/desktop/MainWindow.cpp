@@ -61,6 +61,8 @@ MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), b
   for (int i = 0; i < static_cast<int>(main.entries().size()); ++i) {
     QWidget* page = tabs->widget(i);
     if (!page) continue;
+    pageTab_ = "mainTab";
+    pageIndex_ = i;
     if (i == kPageConnection)
       buildConnectionPage(page);
     else if (i == kPageOperate)
@@ -93,7 +95,9 @@ std::vector<std::string> MainWindow::unplacedOutlets() const {
 
 QWidget* MainWindow::take(const std::string& outlet) {
   QWidget* w = binder_.widget(outlet);
-  if (!w || placed_.count(outlet)) return nullptr;
+  const ui::Control* c = binder_.model().find(outlet);
+  if (!w || !c || placed_.count(outlet)) return nullptr;
+  if (!c->tabView() || c->tabView()->outlet() != pageTab_ || c->page() != pageIndex_) return nullptr;
   placed_.insert(outlet);
   if (w->focusPolicy() != Qt::NoFocus) focusOrder_.push_back(w);
   return w;
@@ -335,6 +339,8 @@ void MainWindow::buildGenericPage(QWidget* page, const std::string& tabOutlet, i
 // Places every control of a page that no hand-made group took: nested tab
 // views and tables full width, buttons in a grid, the rest in a labelled form.
 void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex, QBoxLayout* into) {
+  pageTab_ = tabOutlet;
+  pageIndex_ = pageIndex;
   std::vector<std::string> buttons;
   QFormLayout* form = nullptr;
   for (ui::Control* c : binder_.model().onPage(tabOutlet, pageIndex)) {
@@ -346,6 +352,8 @@ void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex
         into->addWidget(w, 1);
         auto* tabs = qobject_cast<QTabWidget*>(w);
         for (int i = 0; tabs && i < tabs->count(); ++i) buildGenericPage(tabs->widget(i), c->outlet(), i);
+        pageTab_ = tabOutlet;
+        pageIndex_ = pageIndex;
         break;
       }
       case ui::Kind::Table:

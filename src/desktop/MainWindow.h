@@ -50,6 +50,10 @@ class MainWindow : public QMainWindow {
   void fixFocusOrder();
 
   Binder& binder_;
+  // The page being laid out: a control named for a group is taken only when
+  // the model puts it on this page, so a control moved elsewhere still shows.
+  std::string pageTab_ = "mainTab";
+  int pageIndex_ = 0;
   std::set<std::string> placed_;
   std::vector<QWidget*> focusOrder_;
   bool painted_ = false;
