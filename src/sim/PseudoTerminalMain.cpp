@@ -203,16 +203,19 @@ int main(int argc, char** argv) {
       outbox.pop_front();
     }
 
-    std::chrono::milliseconds wait{250};
-    if (const auto event = radio.nextEvent()) wait = std::min(wait, *event);
-    if (opened && !outbox.empty()) {
-      wait = std::min(wait, std::chrono::ceil<std::chrono::milliseconds>(
-                                std::max(Clock::duration::zero(), outbox.front().due - now)));
-    }
-
+    Clock::duration wait = 250ms;
+    if (const auto event = radio.nextEvent()) wait = std::min<Clock::duration>(wait, *event);
     pollfd p{master, POLLIN, 0};
-    if (opened && !outbox.empty() && outbox.front().due <= now) p.events |= POLLOUT;
-    const int ready = ::poll(&p, 1, static_cast<int>(wait.count()));
+    if (opened && !outbox.empty()) {
+      if (outbox.front().due <= now)
+        p.events |= POLLOUT;  // due but the line was full: wait until it drains
+      else
+        wait = std::min(wait, outbox.front().due - now);
+    }
+    // Waits to the microsecond, so paced answers leave on time.
+    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(wait).count();
+    const timespec timeout{static_cast<time_t>(ns / 1'000'000'000), static_cast<long>(ns % 1'000'000'000)};
+    const int ready = ::ppoll(&p, 1, &timeout, nullptr);
     if (ready < 0) {
       if (errno == EINTR) continue;
       std::perror("tolvane-sim: poll");
