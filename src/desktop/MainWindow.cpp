@@ -49,7 +49,7 @@ std::vector<std::string> range(const std::string& prefix, int from, int to, cons
 MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), binder_(binder) {
   setWindowTitle(QStringLiteral("Tolvane"));
   setMinimumSize(960, 640);
-  resize(1320, 860);
+  resize(1440, 880);
 
   auto* tabs = binder_.widgetAs<QTabWidget>("mainTab");
   placed_.insert("mainTab");
@@ -111,6 +111,8 @@ void MainWindow::addRow(QFormLayout* form, const std::string& outlet) {
   if (!c || !w) return;
   auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
   label->setBuddy(w);
+  // A narrow window puts long labels above their field instead of clipping.
+  form->setRowWrapPolicy(QFormLayout::WrapLongRows);
   form->addRow(label, w);
 }
 
@@ -120,6 +122,9 @@ void MainWindow::addButtons(QGridLayout* grid, const std::vector<std::string>& o
     QWidget* w = take(o);
     if (!w) continue;
     w->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    if (w->minimumWidth() == 0)
+      w->setMinimumWidth(
+          std::min(w->sizeHint().width(), w->fontMetrics().horizontalAdvance(QStringLiteral("DATA-FM")) + 20));
     grid->addWidget(w, firstRow + i / columns, i % columns);
     ++i;
   }
@@ -322,6 +327,10 @@ void MainWindow::buildOperatePage(QWidget* page) {
   sv->addLayout(scopeForm);
   auto* colours = new QGridLayout;
   addButtons(colours, range("scopeColor", 0, 10, "Button"), 6);
+  // Number buttons need no more room than their digits.
+  for (const auto& o : range("scopeColor", 0, 10, "Button"))
+    if (QWidget* w = binder_.widget(o))
+      w->setMinimumWidth(w->fontMetrics().horizontalAdvance(QStringLiteral("10")) + 24);
   sv->addLayout(colours);
   colC->addWidget(scope);
 
