@@ -19,8 +19,9 @@
 #include <QStandardItemModel>
 #include <QStyle>
 #include <QTabWidget>
-#include <QTableWidget>
 #include <cctype>
+
+#include "desktop/TableView.h"
 
 namespace tolvane::desktop {
 
@@ -316,14 +317,9 @@ void Binder::create(ui::Control& c) {
       w = tabs;
       break;
     }
-    case ui::Kind::Table: {
-      auto* table = new QTableWidget;
-      table->horizontalHeader()->setStretchLastSection(true);
-      table->verticalHeader()->setDefaultSectionSize(27);
-      table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-      w = table;
+    case ui::Kind::Table:
+      w = new TableView(c);
       break;
-    }
     case ui::Kind::Label:
       w = new QLabel;
       break;
@@ -477,17 +473,9 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
       if (c.selectedIndex() >= 0 && tabs->currentIndex() != c.selectedIndex()) tabs->setCurrentIndex(c.selectedIndex());
       break;
     }
-    case ui::Kind::Table: {
-      auto* table = static_cast<QTableWidget*>(w);
-      const auto& cols = c.columns();
-      if (table->columnCount() != static_cast<int>(cols.size())) table->setColumnCount(static_cast<int>(cols.size()));
-      for (int i = 0; i < static_cast<int>(cols.size()); ++i) {
-        const auto& col = cols[static_cast<std::size_t>(i)];
-        table->setHorizontalHeaderItem(i, new QTableWidgetItem(q(col.title)));
-        table->setColumnWidth(i, col.width);
-      }
+    case ui::Kind::Table:
+      static_cast<TableView*>(w)->refresh();
       break;
-    }
     case ui::Kind::Label:
       static_cast<QLabel*>(w)->setText(q(c.title()));
       break;

@@ -45,7 +45,7 @@ bool clickInCell(Control& table, const std::string& column, int row) {
   TableDataSource* source = sourceFor(table);
   if (!source || !inRows(*source, table, row)) return false;
   const std::optional<Cell> cell = source->cellFor(table, column, row);
-  if (!cell || cell->kind != CellKind::Button) return false;
+  if (!cell || (cell->kind != CellKind::Button && cell->kind != CellKind::Link) || !cell->action) return false;
   Control button = cellControl(*cell);
   button.click();
   return true;

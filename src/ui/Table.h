@@ -25,7 +25,7 @@ struct Cell {
   std::string text;       // Text and Link: what is shown; Button: its title
   std::string address;    // Link: where it leads
   bool editable = false;  // Text: the operator may type into it
-  // Button and PopUp: the cell's control.
+  // Button and PopUp: the cell's control (a Link may carry an action too).
   std::string outlet;
   std::vector<Entry> entries;
   int selected = -1;
@@ -72,7 +72,8 @@ void editCell(Control& table, int row, int column, const std::string& text);
 // The operator chose entry `index` of the pop-up in the cell (column identifier, row).
 // Returns false when that cell holds no pop-up.
 bool chooseInCell(Control& table, const std::string& column, int row, int index);
-// The operator pressed the button in the cell. Returns false when the cell holds no button.
+// The operator pressed the button (or followed the link) in the cell. Returns
+// false when the cell holds neither, or nothing acts on it.
 bool clickInCell(Control& table, const std::string& column, int row);
 // A plain-text payload dropped on the table at `row` (0 .. row count). The
 // drop happens only when the table takes drops and the data source allows it.

@@ -1,0 +1,254 @@
+#include "desktop/TableView.h"
+
+#include <QComboBox>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QPalette>
+#include <QPushButton>
+#include <QTimer>
+
+namespace tolvane::desktop {
+
+namespace {
+QString q(const std::string& s) { return QString::fromStdString(s); }
+constexpr const char* kPlainText = "text/plain";
+}  // namespace
+
+TableModel::TableModel(ui::Control& table, QObject* parent) : QAbstractTableModel(parent), table_(table) { fetch(); }
+
+void TableModel::fetch() {
+  beginResetModel();
+  cells_.clear();
+  seenReloads_ = table_.reloadCount();
+  seenColumns_ = table_.columns().size();
+  if (ui::TableDataSource* source = table_.dataSource()) {
+    const int rows = std::max(0, source->numberOfRows(table_));
+    cells_.resize(static_cast<std::size_t>(rows));
+    for (int r = 0; r < rows; ++r) {
+      auto& row = cells_[static_cast<std::size_t>(r)];
+      for (const auto& col : table_.columns()) row.push_back(source->cellFor(table_, col.identifier, r));
+    }
+  }
+  endResetModel();
+  emit fetched();
+}
+
+bool TableModel::refresh() {
+  if (busy_) {
+    deferRefresh();
+    return false;
+  }
+  // Before the first reload the model still shows what the source has.
+  if (table_.reloadCount() == seenReloads_ && table_.columns().size() == seenColumns_) return false;
+  fetch();
+  return true;
+}
+
+void TableModel::deferRefresh() {
+  if (deferred_) return;
+  deferred_ = true;
+  QTimer::singleShot(0, this, [this] {
+    deferred_ = false;
+    refresh();
+  });
+}
+
+const ui::Cell* TableModel::cell(int row, int column) const {
+  if (row < 0 || row >= static_cast<int>(cells_.size())) return nullptr;
+  const auto& cells = cells_[static_cast<std::size_t>(row)];
+  if (column < 0 || column >= static_cast<int>(cells.size())) return nullptr;
+  const auto& c = cells[static_cast<std::size_t>(column)];
+  return c ? &*c : nullptr;
+}
+
+void TableModel::choose(int row, int column, int index) {
+  if (row < 0 || row >= static_cast<int>(cells_.size())) return;
+  auto& cells = cells_[static_cast<std::size_t>(row)];
+  if (column < 0 || column >= static_cast<int>(cells.size()) || !cells[static_cast<std::size_t>(column)]) return;
+  const std::string id = table_.columns()[static_cast<std::size_t>(column)].identifier;
+  busy_ = true;
+  const bool chosen = ui::chooseInCell(table_, id, row, index);
+  busy_ = false;
+  if (chosen) cells[static_cast<std::size_t>(column)]->selected = index;
+}
+
+int TableModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(cells_.size());
+}
+
+int TableModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(table_.columns().size());
+}
+
+QVariant TableModel::data(const QModelIndex& index, int role) const {
+  const ui::Cell* c = cell(index.row(), index.column());
+  if (!c) return {};
+  switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+    case Qt::AccessibleTextRole:
+      if (c->kind == ui::CellKind::PopUp) {
+        if (c->selected < 0 || c->selected >= static_cast<int>(c->entries.size())) return QString();
+        return q(c->entries[static_cast<std::size_t>(c->selected)].title);
+      }
+      return q(c->text);
+    case Qt::ToolTipRole:
+      return c->kind == ui::CellKind::Link ? QVariant(q(c->address)) : QVariant();
+    case Qt::ForegroundRole:
+      return c->kind == ui::CellKind::Link ? QVariant(QPalette().brush(QPalette::Link)) : QVariant();
+    default:
+      return {};
+  }
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || section < 0 || section >= static_cast<int>(table_.columns().size()))
+    return QAbstractTableModel::headerData(section, orientation, role);
+  if (role == Qt::DisplayRole) return q(table_.columns()[static_cast<std::size_t>(section)].title);
+  return {};
+}
+
+Qt::ItemFlags TableModel::flags(const QModelIndex& index) const {
+  // Rows take drops too, so that a drop in the middle of a row is reported as
+  // onto the row and refused, and only the gaps between rows move a record.
+  const Qt::ItemFlags drop = table_.isDropTarget() ? Qt::ItemIsDropEnabled : Qt::NoItemFlags;
+  if (!index.isValid()) return drop;
+  Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | drop;
+  const ui::Cell* c = cell(index.row(), index.column());
+  if (c && c->kind == ui::CellKind::Text && c->editable && !table_.held()) f |= Qt::ItemIsEditable;
+  return f;
+}
+
+bool TableModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  // An invalid value is the view clearing a cell, never the operator typing.
+  if (role != Qt::EditRole || !value.isValid() || table_.held()) return false;
+  const ui::Cell* c = cell(index.row(), index.column());
+  if (!c || c->kind != ui::CellKind::Text || !c->editable) return false;
+  const std::string typed = value.toString().toStdString();
+  busy_ = true;
+  ui::editCell(table_, index.row(), index.column(), typed);
+  busy_ = false;
+  // Until the next reload the cell shows what was typed.
+  auto& kept = cells_[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
+  if (kept) kept->text = typed;
+  emit dataChanged(index, index);
+  return true;
+}
+
+QStringList TableModel::mimeTypes() const { return {kPlainText}; }
+
+QMimeData* TableModel::mimeData(const QModelIndexList& indexes) const {
+  if (indexes.isEmpty() || !table_.dataSource()) return nullptr;
+  const std::optional<std::string> text = table_.dataSource()->pasteboardText(table_, indexes.front().row());
+  if (!text) return nullptr;
+  auto* data = new QMimeData;
+  data->setText(q(*text));
+  return data;
+}
+
+Qt::DropActions TableModel::supportedDragActions() const { return Qt::MoveAction; }
+Qt::DropActions TableModel::supportedDropActions() const { return Qt::MoveAction; }
+
+std::optional<int> TableModel::dropRow(int row, const QModelIndex& parent) const {
+  if (parent.isValid()) return std::nullopt;  // onto a row
+  return row < 0 ? rowCount() : row;          // below the last row
+}
+
+bool TableModel::canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int,
+                                 const QModelIndex& parent) const {
+  const std::optional<int> at = dropRow(row, parent);
+  if (!data || !data->hasText() || action != Qt::MoveAction || !at || !table_.dataSource()) return false;
+  return table_.isDropTarget() && table_.dataSource()->validateDrop(table_, *at, ui::DropPosition::Above);
+}
+
+bool TableModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                              const QModelIndex& parent) {
+  if (!canDropMimeData(data, action, row, column, parent)) return false;
+  busy_ = true;
+  const bool moved = ui::dropText(table_, data->text().toStdString(), *dropRow(row, parent), ui::DropPosition::Above);
+  busy_ = false;
+  if (moved) refresh();
+  return moved;
+}
+
+TableView::TableView(ui::Control& table, QWidget* parent) : QTableView(parent), model_(table) {
+  setModel(&model_);
+  setObjectName(q(table.outlet()));
+  setSelectionBehavior(QAbstractItemView::SelectRows);
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                  QAbstractItemView::SelectedClicked);
+  verticalHeader()->setVisible(false);
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  horizontalHeader()->setStretchLastSection(true);
+  horizontalHeader()->setSectionsClickable(true);
+  horizontalHeader()->setSortIndicatorShown(true);
+  // Dragging a row moves it; the view never removes or clears anything itself.
+  setDragEnabled(true);
+  setDragDropMode(QAbstractItemView::DragDrop);
+  setDefaultDropAction(Qt::MoveAction);
+  setDragDropOverwriteMode(false);
+  setDropIndicatorShown(true);
+
+  connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int section) {
+    ui::clickHeader(model_.control(), section);
+    showSortIndicator();
+  });
+  connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
+    const ui::Cell* c = model_.cell(index.row(), index.column());
+    if (c && c->kind == ui::CellKind::Link) {
+      const auto& id = model_.control().columns()[static_cast<std::size_t>(index.column())].identifier;
+      ui::clickInCell(model_.control(), id, index.row());
+    }
+  });
+  connect(&model_, &TableModel::fetched, this, [this] { placeCellControls(); });
+  refresh();
+  placeCellControls();
+}
+
+void TableView::refresh() {
+  const ui::Control& c = model_.control();
+  model_.refresh();
+  const auto& cols = c.columns();
+  for (int i = 0; i < static_cast<int>(cols.size()); ++i) {
+    if (i + 1 < static_cast<int>(cols.size())) setColumnWidth(i, cols[static_cast<std::size_t>(i)].width);
+  }
+  if (c.dataSource()) verticalHeader()->setDefaultSectionSize(c.dataSource()->rowHeight(c, 0));
+  setAcceptDrops(c.isDropTarget());
+  viewport()->setAcceptDrops(c.isDropTarget());
+  showSortIndicator();
+}
+
+void TableView::showSortIndicator() {
+  const ui::Control& c = model_.control();
+  int section = -1;
+  for (int i = 0; i < static_cast<int>(c.columns().size()); ++i)
+    if (!c.sortColumn().empty() && c.columns()[static_cast<std::size_t>(i)].identifier == c.sortColumn()) section = i;
+  horizontalHeader()->setSortIndicator(section, c.sortAscending() ? Qt::AscendingOrder : Qt::DescendingOrder);
+}
+
+void TableView::placeCellControls() {
+  for (int r = 0; r < model_.rowCount(); ++r) {
+    for (int col = 0; col < model_.columnCount(); ++col) {
+      const ui::Cell* c = model_.cell(r, col);
+      if (!c) continue;
+      const QModelIndex index = model_.index(r, col);
+      if (c->kind == ui::CellKind::PopUp) {
+        auto* box = new QComboBox;
+        box->setObjectName(q(c->outlet));
+        for (const auto& e : c->entries) box->addItem(q(e.title));
+        box->setCurrentIndex(c->selected);
+        connect(box, &QComboBox::activated, this, [this, r, col](int i) { model_.choose(r, col, i); });
+        setIndexWidget(index, box);
+      } else if (c->kind == ui::CellKind::Button) {
+        auto* button = new QPushButton(q(c->text));
+        button->setObjectName(q(c->outlet));
+        const std::string id = model_.control().columns()[static_cast<std::size_t>(col)].identifier;
+        connect(button, &QPushButton::clicked, this, [this, id, r] { ui::clickInCell(model_.control(), id, r); });
+        setIndexWidget(index, button);
+      }
+    }
+  }
+}
+
+}  // namespace tolvane::desktop

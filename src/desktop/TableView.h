@@ -1,0 +1,86 @@
+// A table of the window: a QTableView on a QAbstractTableModel that adapts a
+// table control and its data source (ui/Table.h). The model keeps a copy of
+// every cell from the last reload, so a table on hold (or in the middle of a
+// change of its list) still paints what it showed; the data source is asked
+// again only when the control is reloaded. Typed text, pop-up choices, button
+// and link clicks, drags of rows and header clicks go back to the data source
+// through the shared gesture functions, exactly as the tests drive them.
+// Pop-up and button cells are live widgets (index widgets) of the view.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QTableView>
+#include <optional>
+#include <vector>
+
+#include "ui/Table.h"
+
+namespace tolvane::desktop {
+
+class TableModel : public QAbstractTableModel {
+  Q_OBJECT
+ public:
+  // Rows are shown as the data source reports them at each reload.
+  explicit TableModel(ui::Control& table, QObject* parent = nullptr);
+
+  ui::Control& control() const { return table_; }
+  // Fetches every row again when the control was reloaded (or the columns
+  // changed); true when it did. A reload asked for while the model is handing
+  // an edit or a drop to the data source is taken once that has returned.
+  bool refresh();
+  // The choice made in a pop-up cell, kept until the next reload.
+  void choose(int row, int column, int index);
+  // The cell as fetched at the last reload (nullptr outside the table or for an unfilled column).
+  const ui::Cell* cell(int row, int column) const;
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+
+  QStringList mimeTypes() const override;
+  QMimeData* mimeData(const QModelIndexList& indexes) const override;
+  Qt::DropActions supportedDragActions() const override;
+  Qt::DropActions supportedDropActions() const override;
+  bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                       const QModelIndex& parent) const override;
+  bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                    const QModelIndex& parent) override;
+
+ signals:
+  // Emitted after every fetch of the rows.
+  void fetched();
+
+ private:
+  void fetch();
+  void deferRefresh();
+  // The drop position of the shared mechanism, or nothing for a drop onto a row.
+  std::optional<int> dropRow(int row, const QModelIndex& parent) const;
+
+  ui::Control& table_;
+  unsigned seenReloads_ = 0;
+  std::size_t seenColumns_ = 0;
+  bool busy_ = false;  // inside a call to the data source
+  bool deferred_ = false;
+  std::vector<std::vector<std::optional<ui::Cell>>> cells_;  // [row][column]
+};
+
+class TableView : public QTableView {
+  Q_OBJECT
+ public:
+  explicit TableView(ui::Control& table, QWidget* parent = nullptr);
+  TableModel& tableModel() { return model_; }
+  // Repaints from the control: rows after a reload, columns, the sort indicator, drops.
+  void refresh();
+
+ private:
+  void showSortIndicator();
+  // Pop-up and button cells get a live combo box or push button of their own.
+  void placeCellControls();
+
+  TableModel model_;
+};
+
+}  // namespace tolvane::desktop
