@@ -1,9 +1,9 @@
 // The macro presets and the macro pop-up.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 
+#include "cat/Framing.h"
 #include "controls/Macros.h"
 #include "support/Harness.h"
 
@@ -24,14 +24,45 @@ TEST(Macros, PresetCommandsForEitherVfo) {
   EXPECT_FALSE(controls::macroCommand("cw - 20m", "A"));
 }
 
+namespace {
+
+// Splits a command string at its ";" terminators; false when text is left over.
+bool splitCommands(const std::string& text, std::vector<std::string>& out) {
+  std::size_t start = 0;
+  for (std::size_t end; (end = text.find(';', start)) != std::string::npos; start = end + 1)
+    out.push_back(text.substr(start, end - start));
+  return start == text.size();
+}
+
+// Mode first, one frequency for the given VFO, scope settings of five
+// characters, the function knob, and break-in only at the very end.
+bool wellFormedPreset(const std::string& text, char side) {
+  std::vector<std::string> parts;
+  if (!splitCommands(text, parts) || parts.size() < 4) return false;
+  if (parts.front().size() != 4 || !parts.front().starts_with("MD0")) return false;
+  int frequencies = 0;
+  for (std::size_t i = 1; i < parts.size(); ++i) {
+    const std::string& p = parts[i];
+    if (p.starts_with("F")) {
+      frequencies += p.size() == 11 && p[1] == side && cat::isDecimal(p.substr(2));
+    } else if (p.starts_with("SS0")) {
+      if (p.size() != 9 || p.substr(5) != "0000") return false;
+    } else if (p != "SF1E" && p != "SF1H" && !(p == "BI1" && i + 1 == parts.size())) {
+      return false;
+    }
+  }
+  return frequencies == 1;
+}
+
+}  // namespace
+
 TEST(Macros, EveryPresetIsASequenceOfWholeCommandsWithOneFrequency) {
-  const std::regex shape("MD0[1-9A-F];(SS0[56][0-9A]0000;)?F[AB][0-9]{9};(SS0[5-7][0-9A]0000;)+SF1[EH];(BI1;)?");
   std::set<std::string> titles;
   for (const controls::Macro& m : controls::macros()) {
     titles.insert(m.title);
     for (const char* side : {"A", "B"}) {
       const std::string command = *controls::macroCommand(m.title, side);
-      EXPECT_TRUE(std::regex_match(command, shape)) << m.title << ": " << command;
+      EXPECT_TRUE(wellFormedPreset(command, side[0])) << m.title << ": " << command;
     }
   }
   EXPECT_EQ(titles.size(), 34u);
