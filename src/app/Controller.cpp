@@ -99,6 +99,11 @@ void SerialPortDemoController::wireActions() {
   wire("FuncKnobButton", &SerialPortDemoController::goFunctionKnob);
   wire("MPVDButton", &SerialPortDemoController::goMPVD);
   wire("macroPopUpButton", &SerialPortDemoController::goMacro);
+  // Return in an entry field clicks the button that belongs to it.
+  wirePlain("sendTextField", &SerialPortDemoController::returnPressedInTextField);
+  wirePlain("freqTextField", &SerialPortDemoController::returnPressedInFreqField);
+  wirePlain("callTextField", &SerialPortDemoController::returnPressedInCallField);
+  wirePlain("textMemoryField", &SerialPortDemoController::returnPressedInTextMessageField);
   wire("tuneButton", &SerialPortDemoController::doTune);
   wire("saveCallButton", &SerialPortDemoController::doCall);
   for (const char* item : {"menuItemPreferencesVoice", "menuItemPreferencesSounds", "menuItemPreferencesIPO"})

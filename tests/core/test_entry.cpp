@@ -99,7 +99,7 @@ TEST(Tune, RefusedEntryResetsTheFieldSoundsGlassAndSendsNothing) {
   rig.at("tlFreqAButton").setTitle("14.074.000");
   rig.c().tlAorB = "A";
   rig.at("freqTextField").type("75.01");
-  rig.c().returnPressedInFreqField();
+  rig.at("freqTextField").click();  // Return in the field
   ASSERT_EQ(rig.alerts.shown.size(), 1u);
   EXPECT_EQ(rig.alerts.shown[0].message, "Frequency must be in MHz and less than 75.0\n\nExample: 14.235");
   EXPECT_EQ(rig.sounds.played.back(), "system:Glass");
@@ -130,7 +130,7 @@ TEST(CallSign, SavingShowsUpperCaseAndSaved) {
   test::Rig rig;
   rig.openPort();
   rig.at("callTextField").type(" n0call ");
-  rig.c().returnPressedInCallField();
+  rig.at("callTextField").click();  // Return in the field
   EXPECT_EQ(rig.written(), "EX040101N0CALL      ;");
   EXPECT_EQ(rig.at("callTextField").text(), " N0CALL ");
   EXPECT_EQ(rig.at("saveCallButton").title(), "Saved");
