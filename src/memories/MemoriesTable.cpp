@@ -2,6 +2,7 @@
 // reordering by drag and drop, and sorting by a header click.
 #include "memories/MemoriesTable.h"
 
+#include "controls/Entry.h"
 #include "memories/MemoryText.h"
 
 namespace tolvane {
@@ -68,13 +69,10 @@ void sortMemories(SerialPortDemoController& c, ui::Control& table, int column) {
 
 namespace {
 
-void rejectFrequency(SerialPortDemoController& c, const char* message, const char* example) {
-  platform::Alert alert;
-  alert.style = platform::AlertStyle::Warning;
-  alert.buttons = {"OK"};
-  alert.message = std::string(message) + "\n\n" + example;
+// The same alert as a refused entry in the frequency field, with its sound.
+void rejectFrequency(SerialPortDemoController& c, controls::TuneRefusal why) {
   c.playSystemSound("Glass");
-  c.services().alerts.run(alert);
+  c.services().alerts.run(controls::frequencyAlert(why));
 }
 
 }  // namespace
@@ -98,12 +96,12 @@ void SerialPortDemoController::textEdited(int row, int column, const std::string
         case memories::FrequencyEntry::TooLow:
           r.frequency.clear();
           reload();
-          rejectFrequency(*this, "Frequency must be in MHz and greater than 0.03", "Example: 0.860");
+          rejectFrequency(*this, controls::TuneRefusal::TooLow);
           break;
         case memories::FrequencyEntry::TooHigh:
           r.frequency.clear();
           reload();
-          rejectFrequency(*this, "Frequency must be in MHz and less than 75.0", "Example: 14.235");
+          rejectFrequency(*this, controls::TuneRefusal::TooHigh);
           break;
         case memories::FrequencyEntry::Accepted:
           // The cell keeps the typed text until the next reload.
