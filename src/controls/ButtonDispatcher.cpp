@@ -39,12 +39,11 @@ void sendWithTail(SerialPortDemoController& c) {
 // The radio needs the first wake-up, a quarter second, a second one and
 // twelve seconds to come up before it answers the poll. The pauses run on the
 // event loop so the window stays responsive; the tail then goes out with the
-// buffer as this press left it. That buffer usually still holds the power-off
-// of the Power off button, which must not switch the radio straight off again
-// once it has come up, so that command is left out of the resend.
+// buffer as this press left it (after Power off that is its "PS0;", resent as
+// it stands).
 void powerOn(SerialPortDemoController& c) {
   c.transmit("PS1;PS1;");
-  const std::string pressed = radio::removeAll(c.cmd, "PS0;");
+  const std::string pressed = c.cmd;
   platform::Scheduler& scheduler = c.services().scheduler;
   scheduler.after(250ms, [&c, &scheduler, pressed] {
     c.transmit("PS1;");

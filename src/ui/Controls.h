@@ -183,7 +183,7 @@ class Window {
 
   // The control with that tag on a page of a tab view (nullptr when missing).
   Control* viewWithTag(const std::string& tabOutlet, int page, int tag) const;
-  // The first control with that tag anywhere inside a tab view.
+  // The first control with that tag anywhere inside a tab view, nested tab views included.
   Control* viewWithTag(const std::string& tabOutlet, int tag) const;
 
   std::vector<Control*> onPage(const std::string& tabOutlet, int page) const;

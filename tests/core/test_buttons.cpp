@@ -212,12 +212,12 @@ TEST_F(Buttons, PowerOnKeepsItsOrderAndGapsWithoutBlocking) {
   EXPECT_EQ(w[3].bytes, "MD02;BI1;");
   EXPECT_EQ(w[3].at - t0, 12250ms);
 
-  // After Power off the buffer holds its "PS0;": the power-on tail leaves it out.
+  // After Power off the buffer holds its "PS0;BI1;": the power-on tail resends it as it stands.
   rig.at("powerOffButton").click();
   rig.port->clearWrites();
   rig.at("powerOnButton").click();
   rig.scheduler.runAll();
-  EXPECT_EQ(rig.port->writes().back().bytes, "BI1;BI1;");
+  EXPECT_EQ(rig.port->writes().back().bytes, "PS0;BI1;BI1;");
 }
 
 TEST_F(Buttons, VfoSelectionLeavesMemoryModeAndSpeaks) {
