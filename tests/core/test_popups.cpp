@@ -13,9 +13,7 @@ namespace {
 struct PopUps : ::testing::Test {
   test::Rig rig;
   void SetUp() override {
-    rig.openPort();
-    rig.scheduler.runAll();  // the on-open sequence
-    rig.port->clearWrites();
+    rig.openPortAndSettle();
     rig.c().tlVoiceGuide = "1";
     rig.c().tlSounds = "1";
   }

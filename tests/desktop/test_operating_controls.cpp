@@ -20,9 +20,7 @@ struct OperatingPanel : ::testing::Test {
   MainWindow window{binder};
 
   void SetUp() override {
-    rig.openPort();
-    rig.scheduler.runAll();  // the on-open sequence
-    rig.port->clearWrites();
+    rig.openPortAndSettle();
     rig.at("mainTab").selectIndex(1);
     window.show();
   }

@@ -18,4 +18,10 @@ void Rig::openPort(bool clearWrites) {
   if (clearWrites) port->clearWrites();
 }
 
+void Rig::openPortAndSettle() {
+  openPort();
+  scheduler.runAll();
+  port->clearWrites();
+}
+
 }  // namespace tolvane::test

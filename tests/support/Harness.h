@@ -29,6 +29,8 @@ struct Rig {
   ui::Control& at(const std::string& outlet) { return window.at(outlet); }
   // Launch, choose the port and open it; writes are cleared afterwards unless asked.
   void openPort(bool clearWrites = true);
+  // Opens the port, lets the whole on-open sequence run, then forgets its writes.
+  void openPortAndSettle();
   // Hands bytes to the controller as one delivery from the radio.
   void receive(std::string_view bytes) { port->deliver(bytes); }
   std::string written() const { return port->written(); }
