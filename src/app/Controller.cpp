@@ -72,7 +72,8 @@ void SerialPortDemoController::wireActions() {
     ports->setAction([this](ui::Control& s) { choosePort(s.titleOfSelectedItem()); });
   if (ui::Control* baud = window_.find("BaudPopUpButton"))
     baud->setAction([this](ui::Control& s) {
-      if (serialPort_ && !s.titleOfSelectedItem().empty()) serialPort_->setBaudRate(std::stoll(s.titleOfSelectedItem()));
+      if (serialPort_ && !s.titleOfSelectedItem().empty())
+        serialPort_->setBaudRate(std::stoll(s.titleOfSelectedItem()));
     });
   if (ui::Control* ending = window_.find("lineEndingCheckBox"))
     ending->setAction([this](ui::Control& s) {
@@ -115,7 +116,7 @@ void SerialPortDemoController::wireActions() {
   }
 }
 
-void SerialPortDemoController::applicationDidFinishLaunching() { window_.at("mainTab").selectIndex(0); }
+void SerialPortDemoController::applicationDidFinishLaunching() { selectMainTab(0); }
 
 void SerialPortDemoController::awakeFromNib() {
   refreshPortList();
@@ -152,7 +153,8 @@ void SerialPortDemoController::setUpRoutine() {
 
   if (ui::Control* power = window_.viewWithTag("mainTab", 1, 2007)) {
     std::vector<ui::Entry> entries;
-    for (int w = 5; w <= 100; ++w) entries.push_back(ui::Entry{std::to_string(w) + "w", 0, ui::kStatusAvailable, false});
+    for (int w = 5; w <= 100; ++w)
+      entries.push_back(ui::Entry{std::to_string(w) + "w", 0, ui::kStatusAvailable, false});
     const int keep = power->selectedIndex();
     power->setEntries(std::move(entries));
     if (keep >= 0) power->selectIndex(keep);
@@ -198,7 +200,7 @@ void SerialPortDemoController::onOpenSequence(platform::SerialPort& port) {
     s.after(5s, [this] { getMemoriesFromRadio(); });
     s.after(7s, [this] { queryMemorySlots(); });
     s.after(8s, [this] {
-      window_.at("mainTab").selectIndex(1);
+      selectMainTab(1);
       transmit(syncRadioCmd);
     });
     const int reads[] = {2010100, 2020100, 2030100, 2040100};
@@ -212,6 +214,13 @@ void SerialPortDemoController::onOpenSequence(platform::SerialPort& port) {
 }
 
 void SerialPortDemoController::tabSelected(const std::string& identifier) { sv_.log.line(identifier); }
+
+void SerialPortDemoController::selectMainTab(int index) {
+  ui::Control& tabs = window_.at("mainTab");
+  if (tabs.selectedIndex() == index) return;
+  tabs.selectIndex(index);
+  tabSelected(tabs.titleOfSelectedItem());
+}
 
 void SerialPortDemoController::refreshPortList() {
   listedPorts_ = sv_.ports.availablePorts();

@@ -51,6 +51,9 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void showUpdateNotice();
   void onOpenSequence(platform::SerialPort& port);
   void tabSelected(const std::string& identifier);
+  // Selects a page of mainTab for the program; a change of page writes its
+  // identifier to the console log, as a click on the tab does.
+  void selectMainTab(int index);
   // Rebuilds the port list of PortPopUpButton from the port manager, keeping the choice.
   void refreshPortList();
   // Chooses the port with that title in the port list (closing the previous one).

@@ -91,7 +91,7 @@ void SerialPortDemoController::serialPortWasRemovedFromSystem(platform::SerialPo
 void SerialPortDemoController::serialPortDidEncounterError(platform::SerialPort& port, const std::string& error) {
   sv_.log.line("Serial Port " + port.description() + " encountered an error: " + error);
   playSystemSound("Frog");
-  window_.at("mainTab").selectIndex(0);
+  selectMainTab(0);
 }
 
 }  // namespace tolvane

@@ -120,6 +120,7 @@ TEST(StartUp, OnOpenSequenceRunsOnTimeWithoutBlocking) {
   EXPECT_EQ(poll.bytes, rig.c().syncRadioCmd);
   EXPECT_EQ(poll.at, 8500ms);
   EXPECT_EQ(rig.at("mainTab").selectedIndex(), 1);
+  EXPECT_EQ(rig.log.lines.back(), "Operate");
 }
 
 TEST(StartUp, ThePollStringAsksForTheWholeRadioState) {
@@ -153,8 +154,13 @@ TEST(HotPlug, ConnectedPortsAreAnnouncedAndTheSetUpRunsOnce) {
   EXPECT_EQ(rig.notifications.delivered.size(), 3u);
 }
 
-TEST(StartUp, SelectedTabIsLogged) {
+TEST(StartUp, EveryChangeOfTabIsLoggedWhoeverMakesIt) {
   test::Rig rig;
+  rig.c().applicationDidFinishLaunching();  // already on the first tab: no change, no line
+  EXPECT_TRUE(rig.log.lines.empty());
   rig.at("mainTab").choose(2);
-  EXPECT_EQ(rig.log.lines.back(), "Memories");
+  EXPECT_EQ(rig.log.lines, (std::vector<std::string>{"Memories"}));
+  rig.c().selectMainTab(1);
+  rig.c().selectMainTab(1);
+  EXPECT_EQ(rig.log.lines, (std::vector<std::string>{"Memories", "Operate"}));
 }
