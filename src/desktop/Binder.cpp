@@ -1,5 +1,6 @@
 #include "desktop/Binder.h"
 
+#include <QAbstractListModel>
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
@@ -16,8 +17,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
-#include <QStandardItemModel>
-#include <QStyle>
 #include <QTabWidget>
 #include <cctype>
 
@@ -69,13 +68,95 @@ QIcon statusIcon(const std::string& image) {
   return icon;
 }
 
+// A loudspeaker, with sound waves or a cross for muted, drawn in the
+// palette's button text colour so it reads on light and dark themes alike.
+// Drawn, not looked up in an icon theme: the theme search costs tens of
+// milliseconds at start-up and finds nothing on many desktops.
+QIcon speakerIcon(bool muted) {
+  QIcon icon;
+  const QColor ink = QApplication::palette().color(QPalette::ButtonText);
+  for (int size : {16, 24, 32}) {
+    QPixmap pm(size, size);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.scale(size / 16.0, size / 16.0);
+    p.setPen(Qt::NoPen);
+    p.setBrush(ink);
+    const QPointF body[] = {{1.5, 6}, {4.5, 6}, {8, 2.5}, {8, 13.5}, {4.5, 10}, {1.5, 10}};
+    p.drawPolygon(body, 6);
+    QPen pen(ink, 1.4, Qt::SolidLine, Qt::RoundCap);
+    p.setPen(pen);
+    p.setBrush(Qt::NoBrush);
+    if (muted) {
+      p.drawLine(QPointF(10, 5.5), QPointF(15, 10.5));
+      p.drawLine(QPointF(15, 5.5), QPointF(10, 10.5));
+    } else {
+      p.drawArc(QRectF(6.5, 5, 5, 6), -60 * 16, 120 * 16);
+      p.drawArc(QRectF(6, 2.5, 9, 11), -60 * 16, 120 * 16);
+    }
+    p.end();
+    icon.addPixmap(pm);
+  }
+  return icon;
+}
+
 QIcon buttonImage(const std::string& image) {
   if (image.empty()) return {};
   const bool muted = image.find("Mute") != std::string::npos || image.find("Off") != std::string::npos;
-  QIcon themed = QIcon::fromTheme(muted ? "audio-volume-muted" : "audio-volume-high");
-  if (!themed.isNull()) return themed;
-  return QApplication::style()->standardIcon(muted ? QStyle::SP_MediaVolumeMuted : QStyle::SP_MediaVolume);
+  static const QIcon on = speakerIcon(false), off = speakerIcon(true);
+  return muted ? off : on;
 }
+
+// The entries of a pop-up as its combo box shows them. The box reads titles,
+// status images and heading flags straight from a copy of the control's
+// entries, so lists of thousands of values cost one copy, not an item each.
+class EntryListModel : public QAbstractListModel {
+ public:
+  using QAbstractListModel::QAbstractListModel;
+
+  bool shows(const std::vector<ui::Entry>& entries) const {
+    return std::equal(entries_.begin(), entries_.end(), entries.begin(), entries.end(),
+                      [](const ui::Entry& a, const ui::Entry& b) {
+                        return a.title == b.title && a.tag == b.tag && a.image == b.image && a.heading == b.heading;
+                      });
+  }
+  void show(const std::vector<ui::Entry>& entries) {
+    beginResetModel();
+    entries_ = entries;
+    endResetModel();
+  }
+
+  int rowCount(const QModelIndex& parent) const override {
+    return parent.isValid() ? 0 : static_cast<int>(entries_.size());
+  }
+  QVariant data(const QModelIndex& index, int role) const override {
+    if (!index.isValid() || index.row() >= static_cast<int>(entries_.size())) return {};
+    const ui::Entry& e = entries_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+      case Qt::DisplayRole:
+      case Qt::EditRole:
+      case Qt::AccessibleTextRole:
+        return q(e.title);
+      case Qt::DecorationRole:
+        return e.image.empty() ? QVariant() : QVariant(statusIcon(e.image));
+      case Qt::UserRole + 1:
+        return q(e.image);
+      case Qt::UserRole + 2:
+        return e.tag;
+      default:
+        return {};
+    }
+  }
+  Qt::ItemFlags flags(const QModelIndex& index) const override {
+    if (!index.isValid() || index.row() >= static_cast<int>(entries_.size())) return Qt::NoItemFlags;
+    if (entries_[static_cast<std::size_t>(index.row())].heading) return Qt::NoItemFlags;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+  }
+
+ private:
+  std::vector<ui::Entry> entries_;
+};
 
 void notifyAccessible(QWidget* w, QAccessible::Event event) {
   if (!QAccessible::isActive()) return;
@@ -251,6 +332,7 @@ void Binder::create(ui::Control& c) {
     }
     case ui::Kind::PopUp: {
       auto* box = new QComboBox;
+      box->setModel(new EntryListModel(box));
       box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
       box->setMinimumContentsLength(8);
       box->setMaxVisibleItems(20);
@@ -395,28 +477,8 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
     }
     case ui::Kind::PopUp: {
       auto* box = static_cast<QComboBox*>(w);
-      const auto& entries = c.entries();
-      bool same = box->count() == static_cast<int>(entries.size());
-      for (int i = 0; same && i < box->count(); ++i) {
-        const auto& e = entries[static_cast<std::size_t>(i)];
-        same = box->itemText(i) == q(e.title) && box->itemData(i, Qt::UserRole + 1).toString() == q(e.image);
-      }
-      if (!same) {
-        // Large lists (thousands of values) go in with one model reset.
-        auto* m = new QStandardItemModel(box);
-        m->setColumnCount(1);
-        QList<QStandardItem*> items;
-        items.reserve(static_cast<qsizetype>(entries.size()));
-        for (const auto& e : entries) {
-          auto* item = new QStandardItem(statusIcon(e.image), q(e.title));
-          item->setData(q(e.image), Qt::UserRole + 1);
-          item->setData(e.tag, Qt::UserRole + 2);
-          if (e.heading) item->setFlags(Qt::NoItemFlags);
-          items.push_back(item);
-        }
-        m->invisibleRootItem()->appendRows(items);
-        box->setModel(m);  // deletes the previous model, which the box owns
-      }
+      auto* entries = static_cast<EntryListModel*>(box->model());
+      if (!entries->shows(c.entries())) entries->show(c.entries());
       if (box->currentIndex() != c.selectedIndex()) {
         box->setCurrentIndex(c.selectedIndex());
         if (QAccessible::isActive()) {

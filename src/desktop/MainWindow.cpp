@@ -16,7 +16,9 @@
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTabWidget>
+#include <QTimer>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "app/WindowLayout.h"
 
@@ -76,10 +78,12 @@ MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), b
 
 bool MainWindow::event(QEvent* e) {
   const bool handled = QMainWindow::event(e);
-  // The first update request of a shown window is the one that puts its pixels on screen.
-  if (!painted_ && e->type() == QEvent::UpdateRequest && isVisible()) {
+  // The first paint of the exposed window draws the whole of it, children
+  // included, and the backing store is flushed to the screen before the loop
+  // takes its next event: that is when the window is first seen.
+  if (!painted_ && e->type() == QEvent::Paint && windowHandle() && windowHandle()->isExposed()) {
     painted_ = true;
-    emit firstPainted();
+    QTimer::singleShot(0, this, [this] { emit firstPainted(); });
   }
   return handled;
 }

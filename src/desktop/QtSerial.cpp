@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QSerialPortInfo>
 #include <algorithm>
+#include <future>
 #include <set>
 
 #include "desktop/UdevMonitor.h"
@@ -13,9 +14,9 @@ namespace tolvane::desktop {
 
 QtSerialPort::QtSerialPort(const QString& location, QObject* parent) : QObject(parent), location_(location) {
   port_.setPortName(location);
-  // A path keeps its full text as its name, so "/dev/pts/3" stays recognisable.
-  name_ = location.startsWith('/') ? location.toStdString() : QSerialPortInfo(port_).portName().toStdString();
-  if (name_.empty()) name_ = location.toStdString();
+  // Ports come from the system list by name ("ttyUSB0") or by path; a path
+  // keeps its full text as its name, so "/dev/pts/3" stays recognisable.
+  name_ = location.toStdString();
   connect(&port_, &QSerialPort::readyRead, this, [this] { readAvailable(); });
   connect(&port_, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError e) { handleError(e); });
 }
@@ -112,12 +113,27 @@ std::vector<QString> systemPortNames() {
   return names;
 }
 
+std::future<std::vector<QString>>& prefetchedNames() {
+  static std::future<std::vector<QString>> names;
+  return names;
+}
+
 }  // namespace
 
+void QtPortManager::prefetchSystemPorts() { prefetchedNames() = std::async(std::launch::async, systemPortNames); }
+
 QtPortManager::QtPortManager(QObject* parent) : QObject(parent) {
-  for (const QString& n : systemPortNames()) portFor(n);
+  // The monitor starts first, so that no port plugged in meanwhile is missed.
   monitor_ = std::make_unique<UdevMonitor>(
       "tty", [this](const std::string& action, const std::string& sysname) { deviceEvent(action, sysname); });
+  auto& prefetched = prefetchedNames();
+  systemNames_ = prefetched.valid() ? prefetched.get() : systemPortNames();
+  for (const QString& n : systemNames_) portFor(n);
+}
+
+const std::vector<QString>& QtPortManager::systemPorts() {
+  if (!watchingHotPlug()) systemNames_ = systemPortNames();
+  return systemNames_;
 }
 
 QtPortManager::~QtPortManager() = default;
@@ -138,7 +154,7 @@ void QtPortManager::addExtraPort(const QString& location) {
 
 std::vector<platform::SerialPortPtr> QtPortManager::availablePorts() {
   std::vector<platform::SerialPortPtr> out;
-  for (const QString& n : systemPortNames()) out.push_back(portFor(n));
+  for (const QString& n : systemPorts()) out.push_back(portFor(n));
   for (const QString& e : extra_) {
     if (QFileInfo::exists(e)) out.push_back(portFor(e));
   }
@@ -149,11 +165,12 @@ void QtPortManager::deviceEvent(const std::string& action, const std::string& sy
   // udev reports every tty; only those the serial-port list knows are ports.
   const QString name = QString::fromStdString(sysname);
   if (action == "add") {
-    const auto names = systemPortNames();
-    if (std::find(names.begin(), names.end(), name) == names.end()) return;
+    systemNames_ = systemPortNames();
+    if (std::find(systemNames_.begin(), systemNames_.end(), name) == systemNames_.end()) return;
     portFor(name);
     if (listener_) listener_->serialPortsWereConnected({sysname});
   } else if (action == "remove") {
+    systemNames_.erase(std::remove(systemNames_.begin(), systemNames_.end(), name), systemNames_.end());
     auto it = ports_.find(name);
     if (it == ports_.end()) return;
     // The port object stays alive while the controller still holds it.

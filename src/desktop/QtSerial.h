@@ -53,6 +53,10 @@ class QtPortManager : public QObject, public platform::PortManager {
   explicit QtPortManager(QObject* parent = nullptr);
   ~QtPortManager() override;
 
+  // Starts reading the system's port list on a worker thread, so that the
+  // program's start-up runs alongside it; the next QtPortManager takes it.
+  static void prefetchSystemPorts();
+
   std::vector<platform::SerialPortPtr> availablePorts() override;
   void setListener(platform::PortManagerListener* listener) override { listener_ = listener; }
 
@@ -65,7 +69,12 @@ class QtPortManager : public QObject, public platform::PortManager {
   void deviceEvent(const std::string& action, const std::string& sysname);
   platform::SerialPortPtr portFor(const QString& location);
 
+  // The system's serial ports, sorted. Enumerating them takes milliseconds,
+  // so while udev reports every change the list is kept, not read again.
+  const std::vector<QString>& systemPorts();
+
   std::map<QString, platform::SerialPortPtr> ports_;
+  std::vector<QString> systemNames_;
   std::vector<QString> extra_;
   std::unique_ptr<UdevMonitor> monitor_;
   platform::PortManagerListener* listener_ = nullptr;

@@ -201,9 +201,17 @@ TableView::TableView(ui::Control& table, QWidget* parent) : QTableView(parent), 
       ui::clickInCell(model_.control(), id, index.row());
     }
   });
-  connect(&model_, &TableModel::fetched, this, [this] { placeCellControls(); });
+  connect(&model_, &TableModel::fetched, this, [this] {
+    cellControlsStale_ = true;
+    if (isVisible()) placeCellControls();
+  });
   refresh();
-  placeCellControls();
+}
+
+void TableView::showEvent(QShowEvent* event) {
+  // A table on a page nobody has opened yet makes its cell widgets when the page is first shown.
+  if (cellControlsStale_) placeCellControls();
+  QTableView::showEvent(event);
 }
 
 void TableView::refresh() {
@@ -228,6 +236,7 @@ void TableView::showSortIndicator() {
 }
 
 void TableView::placeCellControls() {
+  cellControlsStale_ = false;
   for (int r = 0; r < model_.rowCount(); ++r) {
     for (int col = 0; col < model_.columnCount(); ++col) {
       const ui::Cell* c = model_.cell(r, col);

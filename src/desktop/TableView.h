@@ -77,10 +77,12 @@ class TableView : public QTableView {
 
  private:
   void showSortIndicator();
+  void showEvent(QShowEvent* event) override;
   // Pop-up and button cells get a live combo box or push button of their own.
   void placeCellControls();
 
   TableModel model_;
+  bool cellControlsStale_ = true;  // rows were fetched since the cell widgets were made
 };
 
 }  // namespace tolvane::desktop

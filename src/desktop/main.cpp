@@ -47,7 +47,12 @@ void watchStalls(QObject* context) {
                    static_cast<long long>(monotonicNs()));
   });
   QObject::connect(context, &QObject::destroyed, [clock] { delete clock; });
-  timer->start();
+  // The loop is watched from its first turn; the work before it is start-up time.
+  QTimer::singleShot(0, context, [timer, clock] {
+    std::fprintf(stderr, "trace loop %lld\n", static_cast<long long>(monotonicNs()));
+    clock->start();
+    timer->start();
+  });
 }
 
 bool headlessRequest(int argc, char** argv) {
@@ -62,6 +67,8 @@ bool headlessRequest(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // The port list is read while the application and its window are built.
+  desktop::QtPortManager::prefetchSystemPorts();
   // --help, --version and --list-ports need no display.
   std::unique_ptr<QCoreApplication> app = headlessRequest(argc, argv) ? std::make_unique<QCoreApplication>(argc, argv)
                                                                       : std::make_unique<QApplication>(argc, argv);
