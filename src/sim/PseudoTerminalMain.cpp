@@ -20,6 +20,7 @@
 #include <string>
 #include <thread>
 
+#include "sim/FrontPanel.h"
 #include "sim/Transceiver.h"
 
 namespace {
@@ -48,6 +49,7 @@ const char* kUsage =
     "  --log FILE        write every command received to FILE (\"-\": standard error)\n"
     "  --on-close MODE   when the far end closes: \"wait\" for the next opener\n"
     "                    (default) or \"exit\"\n"
+    "  --panel           read front-panel commands from standard input, one a line\n"
     "  --help            show this text\n";
 
 struct Settings {
@@ -56,6 +58,7 @@ struct Settings {
   std::chrono::milliseconds latency{0};
   std::string logPath;
   bool exitOnClose = false;
+  bool panel = false;
 };
 
 bool parseNumber(const char* text, long& out) {
@@ -78,8 +81,10 @@ int parse(int argc, char** argv, Settings& s) {
     };
     long n = 0;
     if (arg == "--help" || arg == "-h") {
-      std::cout << kUsage;
+      std::cout << kUsage << "\nFront-panel commands (--panel):\n" << tolvane::sim::panelHelp();
       return -1;
+    } else if (arg == "--panel") {
+      s.panel = true;
     } else if (arg == "--demo") {
       s.radio.demo = true;
     } else if (arg == "--pace") {
@@ -184,7 +189,8 @@ int main(int argc, char** argv) {
 
   std::cout << path << std::endl;
 
-  bool opened = false;  // someone has the terminal open
+  std::string panelInput;  // front-panel text up to its line end
+  bool opened = false;     // someone has the terminal open
   Clock::time_point lastAdvance = Clock::now();
   char buffer[4096];
   while (!stopRequested) {
@@ -205,7 +211,9 @@ int main(int argc, char** argv) {
 
     Clock::duration wait = 250ms;
     if (const auto event = radio.nextEvent()) wait = std::min<Clock::duration>(wait, *event);
-    pollfd p{master, POLLIN, 0};
+    pollfd fds[2] = {{master, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
+    pollfd& p = fds[0];
+    const nfds_t watched = settings.panel ? 2 : 1;
     if (opened && !outbox.empty()) {
       if (outbox.front().due <= now)
         p.events |= POLLOUT;  // due but the line was full: wait until it drains
@@ -215,11 +223,25 @@ int main(int argc, char** argv) {
     // Waits to the microsecond, so paced answers leave on time.
     const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(wait).count();
     const timespec timeout{static_cast<time_t>(ns / 1'000'000'000), static_cast<long>(ns % 1'000'000'000)};
-    const int ready = ::ppoll(&p, 1, &timeout, nullptr);
+    const int ready = ::ppoll(fds, watched, &timeout, nullptr);
     if (ready < 0) {
       if (errno == EINTR) continue;
       std::perror("tolvane-sim: poll");
       return 1;
+    }
+
+    if (settings.panel && (fds[1].revents & (POLLIN | POLLHUP))) {
+      const ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
+      if (n <= 0) {
+        settings.panel = false;  // standard input closed: the panel is left alone
+      } else {
+        panelInput.append(buffer, static_cast<std::size_t>(n));
+        for (std::size_t nl; (nl = panelInput.find('\n')) != std::string::npos; panelInput.erase(0, nl + 1)) {
+          const std::string error = tolvane::sim::applyPanelLine(radio, std::string_view(panelInput).substr(0, nl));
+          if (!error.empty()) std::cerr << "tolvane-sim: " << error << "\n";
+        }
+        if (panelInput.size() > 4096) panelInput.clear();  // no line is that long
+      }
     }
 
     if (p.revents & POLLIN) {

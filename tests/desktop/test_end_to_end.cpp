@@ -1,12 +1,14 @@
 // One end-to-end run of the real program against tolvane-sim over a
-// pseudo-terminal: the on-open sequence reaches the wire at its times, and the
-// VFO A button follows the simulator's frequency answer.
+// pseudo-terminal: the on-open sequence reaches the wire at its times, the VFO
+// A button shows the radio's answer to the poll, and then follows a turn of
+// the simulator's tuning knob that the radio reports by itself.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +17,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -25,9 +28,10 @@ std::string tempDir() {
 }
 
 pid_t spawn(const std::vector<std::string>& args, const std::string& out, const std::string& err,
-            const std::map<std::string, std::string>& env = {}) {
+            const std::map<std::string, std::string>& env = {}, int input = -1) {
   const pid_t pid = fork();
   if (pid == 0) {
+    if (input >= 0 && dup2(input, STDIN_FILENO) < 0) _exit(126);
     for (const auto& [k, v] : env) setenv(k.c_str(), v.c_str(), 1);
     if (!freopen(out.c_str(), "w", stdout) || !freopen(err.c_str(), "w", stderr)) _exit(126);
     std::vector<char*> argv;
@@ -82,16 +86,25 @@ double firstAt(const std::vector<Logged>& log, const std::string& command, doubl
 TEST(EndToEnd, OnOpenSequenceOnTheWireAndVfoAFollowsTheRadio) {
   const std::string dir = tempDir();
   ASSERT_FALSE(dir.empty());
-  const pid_t sim =
-      spawn({TOLVANE_SIM_EXE, "--pace", "--boot", "0", "--log", dir + "/wire.log"}, dir + "/sim.out", dir + "/sim.err");
+  int panel[2];
+  ASSERT_EQ(pipe(panel), 0);
+  const pid_t sim = spawn({TOLVANE_SIM_EXE, "--pace", "--boot", "0", "--panel", "--log", dir + "/wire.log"},
+                          dir + "/sim.out", dir + "/sim.err", {}, panel[0]);
+  close(panel[0]);
   const std::string pty = firstLine(dir + "/sim.out", 3000);
   ASSERT_EQ(pty.rfind("/dev/", 0), 0u) << pty;
 
   const pid_t app = spawn({TOLVANE_EXE, "--port", pty, "--connect"}, dir + "/app.out", dir + "/app.err",
                           {{"QT_QPA_PLATFORM", "offscreen"}, {"XDG_CONFIG_HOME", dir}, {"TOLVANE_TRACE", "1"}});
-  std::this_thread::sleep_for(std::chrono::milliseconds(14500));
+  std::this_thread::sleep_for(std::chrono::milliseconds(14000));
+  // The operator turns the radio's knob up 1 kHz once the on-open sequence is over.
+  const std::string turn = "knob 1000\n";
+  const auto turned = std::chrono::steady_clock::now();
+  ASSERT_EQ(write(panel[1], turn.data(), turn.size()), static_cast<ssize_t>(turn.size()));
+  std::this_thread::sleep_for(std::chrono::milliseconds(1000));
   stop(app);
   stop(sim);
+  close(panel[1]);
 
   const auto wire = readLog(dir + "/wire.log");
   ASSERT_FALSE(wire.empty());
@@ -113,13 +126,31 @@ TEST(EndToEnd, OnOpenSequenceOnTheWireAndVfoAFollowsTheRadio) {
   ASSERT_EQ(pages.size(), 4u);
   for (std::size_t i = 0; i < pages.size(); ++i) EXPECT_NEAR(pages[i] - poll, 1.0 + static_cast<double>(i), 0.15);
 
-  // The button of VFO A shows the radio's answer to "FA;" (14.074 MHz at the factory setting).
+  // The button of VFO A first shows the radio's answer to the poll's "FA;"
+  // (14.074 MHz at the factory setting), then the report of the knob turn.
   std::ifstream trace(dir + "/app.err");
   std::string line;
-  std::string lastTitle;
-  while (std::getline(trace, line))
-    if (line.rfind("trace title tlFreqAButton ", 0) == 0) lastTitle = line.substr(26, line.rfind(' ') - 26);
-  EXPECT_EQ(lastTitle, "14.074.000");
+  std::vector<std::pair<std::string, std::int64_t>> titles;  // title, monotonic ns
+  while (std::getline(trace, line)) {
+    if (line.rfind("trace title tlFreqAButton ", 0) != 0) continue;
+    const auto space = line.rfind(' ');
+    std::string title = line.substr(26, space - 26);
+    // A repaint that keeps the title is not a new title.
+    if (titles.empty() || titles.back().first != title) titles.emplace_back(title, std::stoll(line.substr(space + 1)));
+  }
+  ASSERT_GE(titles.size(), 2u);
+  EXPECT_EQ(titles[titles.size() - 2].first, "14.074.000");
+  EXPECT_EQ(titles.back().first, "14.075.000");
+  const std::int64_t turnedNs = std::chrono::duration_cast<std::chrono::nanoseconds>(turned.time_since_epoch()).count();
+  EXPECT_GT(titles.back().second, turnedNs) << "the new title must come from the knob turn";
+  // Nobody asked: the program sent no frequency query after the turn.
+  const double lastPollFa = [&] {
+    double at = -1;
+    for (const auto& l : wire)
+      if (l.command == "FA;") at = l.at;
+    return at;
+  }();
+  EXPECT_LT(lastPollFa, poll + 0.5);
   std::string cleanup = "rm -rf " + dir;
   EXPECT_EQ(std::system(cleanup.c_str()), 0);
 }

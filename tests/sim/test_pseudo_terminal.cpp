@@ -48,12 +48,14 @@ std::string answers(int fd, std::size_t count) {
 class SimProcess {
  public:
   explicit SimProcess(std::vector<std::string> args) {
-    int out[2];
-    if (::pipe(out) != 0) return;
+    int out[2], in[2];
+    if (::pipe(out) != 0 || ::pipe(in) != 0) return;
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
     posix_spawn_file_actions_addclose(&actions, out[0]);
+    posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
+    posix_spawn_file_actions_addclose(&actions, in[1]);
     args.insert(args.begin(), TOLVANE_SIM_EXE);
     std::vector<char*> argv;
     for (auto& a : args) argv.push_back(a.data());
@@ -61,7 +63,9 @@ class SimProcess {
     if (posix_spawn(&pid_, TOLVANE_SIM_EXE, &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
     posix_spawn_file_actions_destroy(&actions);
     ::close(out[1]);
+    ::close(in[0]);
     stdout_ = out[0];
+    stdin_ = in[1];
     const std::string line = readUntil(stdout_, [](const std::string& s) { return s.find('\n') != std::string::npos; });
     path_ = line.substr(0, line.find('\n'));
   }
@@ -71,6 +75,11 @@ class SimProcess {
       ::waitpid(pid_, nullptr, 0);
     }
     if (stdout_ >= 0) ::close(stdout_);
+    if (stdin_ >= 0) ::close(stdin_);
+  }
+  // Types text at the program's standard input (its front panel with --panel).
+  bool type(const std::string& text) {
+    return ::write(stdin_, text.data(), text.size()) == static_cast<ssize_t>(text.size());
   }
   const std::string& path() const { return path_; }
   pid_t pid() const { return pid_; }
@@ -91,6 +100,7 @@ class SimProcess {
  private:
   pid_t pid_ = -1;
   int stdout_ = -1;
+  int stdin_ = -1;
   bool exited_ = false;
   std::string path_;
 };
@@ -123,6 +133,20 @@ TEST(PseudoTerminal, AnswersAFrequencyQueryOnThePrintedTerminal) {
 
   ::kill(sim.pid(), SIGTERM);
   EXPECT_EQ(sim.waitExit(), 0);
+}
+
+TEST(PseudoTerminal, FrontPanelLinesTurnTheRadioAndAreReported) {
+  SimProcess sim({"--panel", "--boot", "0"});
+  const int fd = openTerminal(sim.path());
+  ASSERT_GE(fd, 0);
+  ASSERT_EQ(::write(fd, "AI1;FA014074000;", 16), 16);
+  EXPECT_EQ(answers(fd, 1), "FA014074000;");
+  // A mistyped line changes nothing; the next good ones are reported as the knob turns.
+  ASSERT_TRUE(sim.type("knob ten\n# a remark\nknob 1500\n"));
+  EXPECT_EQ(answers(fd, 1), "FA014075500;");
+  ASSERT_TRUE(sim.type("knob -500\nmode 3\n"));
+  EXPECT_EQ(answers(fd, 2), "FA014075000;MD03;");
+  ::close(fd);
 }
 
 TEST(PseudoTerminal, ExitsWhenTheFarEndClosesIfAskedTo) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/StartUp.h"
+#include "sim/FrontPanel.h"
 #include "sim/MenuTable.h"
 #include "sim/Transceiver.h"
 
@@ -351,4 +352,25 @@ TEST(LineTime, ThirtyEightThousandFourHundredBaudEightDataTwoStop) {
   EXPECT_EQ(sim::lineTime(1).count(), 286);
   EXPECT_EQ(sim::lineTime(12).count(), 3437);
   EXPECT_EQ(sim::lineTime(38400 / 11).count(), 999'739);
+}
+
+TEST(FrontPanel, LinesDriveTheKnobAndKeysAndBadLinesChangeNothing) {
+  Bench b;
+  b.radio.write("AI1;FA014074000;");
+  b.take();
+  EXPECT_EQ(sim::applyPanelLine(b.radio, "knob +250"), "");
+  EXPECT_EQ(b.take(), "FA014074250;");
+  EXPECT_EQ(sim::applyPanelLine(b.radio, "  BAND 3 "), "");
+  EXPECT_EQ(b.take(), "FA007150000;MD01;");
+  EXPECT_EQ(sim::applyPanelLine(b.radio, "mode c"), "");
+  EXPECT_EQ(b.take(), "MD0C;");
+  EXPECT_EQ(sim::applyPanelLine(b.radio, "side 1"), "");
+  EXPECT_EQ(b.take(), "MD01;VS1;");  // VFO B's own mode comes with it
+  EXPECT_EQ(sim::applyPanelLine(b.radio, ""), "");
+  EXPECT_EQ(sim::applyPanelLine(b.radio, "# knob 100"), "");
+
+  for (const char* bad : {"knob", "knob 1k", "knob 1 2", "band 13", "band -1", "mode G", "mode 12", "af 300",
+                          "smeter 256", "side 2", "vm 1", "dial 5"})
+    EXPECT_NE(sim::applyPanelLine(b.radio, bad), "") << bad;
+  EXPECT_EQ(b.take(), "") << "a rejected line must not touch the radio";
 }
