@@ -90,7 +90,7 @@ TEST_F(BinderTest, ProgramChangesRepaintWidgetsWithoutFiringActions) {
 
 TEST_F(BinderTest, NewEntriesReplaceThePopUpAndKeepTheModelsSelection) {
   std::vector<ui::Entry> many;
-  for (int i = 0; i < 5000; ++i) many.push_back({std::to_string(i), 0, i == 7 ? ui::kStatusAvailable : "", false});
+  for (int i = 0; i < 5000; ++i) many.push_back({std::to_string(i), 0, i == 7 ? ui::kStatusAvailable : "", i == 9});
   mode->setEntries(many);
   mode->selectIndex(4321);
   auto* box = binder->widgetAs<QComboBox>("modesPopUpButton");
@@ -98,6 +98,9 @@ TEST_F(BinderTest, NewEntriesReplaceThePopUpAndKeepTheModelsSelection) {
   EXPECT_EQ(box->currentText(), "4321");
   EXPECT_FALSE(box->itemIcon(7).isNull());
   EXPECT_TRUE(box->itemIcon(8).isNull());
+  // A heading can be seen but not chosen.
+  EXPECT_FALSE(box->model()->flags(box->model()->index(9, 0)) & Qt::ItemIsEnabled);
+  EXPECT_TRUE(box->model()->flags(box->model()->index(8, 0)) & Qt::ItemIsEnabled);
   mode->removeAllEntries();
   EXPECT_EQ(box->count(), 0);
   EXPECT_EQ(total(), 0);
