@@ -147,10 +147,34 @@ class Transceiver {
   void command(std::string_view cmd);
   void answer(std::string_view text);
   void reject() { answer("?;"); }
+  // Sends `text` with its ";"; true, so that a query handler can return it.
+  bool reply(const std::string& text);
   // Runs a change and reports what it changed when auto-information is on.
   template <class F>
   void reporting(F&& change);
   std::vector<Watch> watched() const;
+
+  // Shapes many commands share. `head` is what the answer starts with, `query`
+  // the parameters of the query; a set command is the query and one more
+  // character (flags and choices) or the selector "0" and `width` digits (levels).
+  bool flagCommand(std::string_view p, const char* head, std::string_view query, bool& value);
+  bool levelCommand(std::string_view p, const char* head, int& value, std::size_t width, int low, int high);
+  bool choiceCommand(std::string_view p, const char* head, std::string_view query, char& value,
+                     std::string_view allowed);
+
+  // One command, by its two letters, handed to the feature it belongs to.
+  bool handle(std::string_view name, std::string_view params);
+
+  // Each feature's commands live in a file of their own. A handler returns
+  // nothing for a command that is not its own, otherwise whether it was
+  // carried out (false is answered with "?;").
+  using Handled = std::optional<bool>;
+  Handled systemCommand(std::string_view name, std::string_view p);   // Transceiver.cpp: power, auto-information
+  Handled tuningCommand(std::string_view name, std::string_view p);   // Tuning.cpp: VFOs, modes, bands, split
+  Handled channelCommand(std::string_view name, std::string_view p);  // Channels.cpp: memory channels
+  Handled controlCommand(std::string_view name, std::string_view p);  // Controls.cpp: gains, filters, meters
+  Handled menuCommand(std::string_view name, std::string_view p);     // Menu.cpp: the setup menu
+  Handled messageCommand(std::string_view name, std::string_view p);  // Messages.cpp: keyer and text memories
 
   // Answers to the queries, without ";".
   std::string frequencyAnswer(int side) const;
@@ -163,11 +187,12 @@ class Transceiver {
   void tune(int side, std::uint64_t hertz);
   void selectBand(int band);
   bool storeChannel(std::string_view params);
-  bool menuCommand(std::string_view params);
   bool textMemory(std::string_view params, bool keyer);
-  bool handle(std::string_view name, std::string_view params);
   void powerOff();
-  void demoStep();
+
+  // The demo driver's steps: the knob every two seconds, the S-meter four times a second.
+  static constexpr Duration kKnobStep{2000};
+  static constexpr Duration kMeterStep{250};
 
   Options options_;
   State state_;
@@ -180,6 +205,23 @@ class Transceiver {
   Duration nextKnob_{0}, nextMeter_{0};
   std::mt19937 random_;
 };
+
+// What the radio holds out of the box.
+State factoryState();
+
+template <class F>
+inline void Transceiver::reporting(F&& change) {
+  if (!state_.autoInformation || !state_.powered) {
+    change();
+    return;
+  }
+  const std::vector<Watch> before = watched();
+  change();
+  if (!state_.autoInformation || !state_.powered) return;
+  const std::vector<Watch> after = watched();
+  for (std::size_t i = 0; i < after.size(); ++i)
+    if (after[i].key != before[i].key) answer(after[i].answer + ";");
+}
 
 // The band stack index (0..12) a frequency belongs to.
 int bandOf(std::uint64_t hertz);
