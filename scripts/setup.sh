@@ -9,6 +9,7 @@ packages=(
   qt6-speech-flite-plugin gstreamer1.0-plugins-base
   libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libsndfile1-dev libudev-dev
   xvfb xauth fonts-dejavu-core clang-format clang libclang-rt-14-dev
+  desktop-file-utils appstream
 )
 
 missing=()

@@ -1,8 +1,11 @@
 #include "desktop/CommandLine.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
+
+#include "desktop/Resources.h"
 
 namespace tolvane::desktop {
 
@@ -25,12 +28,22 @@ Options parseCommandLine(const QStringList& arguments) {
     std::exit(2);
   }
   if (parser.isSet(QStringLiteral("help"))) parser.showHelp(0);
-  if (parser.isSet(QStringLiteral("version"))) parser.showVersion();
+  if (parser.isSet(QStringLiteral("version"))) {
+    std::printf("%s\n", qPrintable(versionText()));
+    std::exit(0);
+  }
   Options o;
   o.port = parser.value(port);
   o.connect = parser.isSet(connect);
   o.listPorts = parser.isSet(list);
   return o;
+}
+
+QString versionText() {
+  const QString data = dataDirectory();
+  return QCoreApplication::applicationName() + QLatin1Char(' ') + QCoreApplication::applicationVersion() +
+         QStringLiteral("\nLicence: GNU General Public License, version 3 or later (GPL-3.0-or-later)") +
+         QStringLiteral("\nFiles: ") + (data.isEmpty() ? QStringLiteral("the source tree (not installed)") : data);
 }
 
 bool portMatches(const QString& wanted, const QString& title, const QString& name) {

@@ -16,6 +16,10 @@ struct Options {
 // A malformed command line prints the error and the usage, and exits with 2.
 Options parseCommandLine(const QStringList& arguments);
 
+// What --version prints: the name and version, the licence, and the folder
+// of the installed files (sounds and manual).
+QString versionText();
+
 // Whether a listed port answers to what the operator typed after --port:
 // its title, its system name, or its device path.
 bool portMatches(const QString& wanted, const QString& title, const QString& name);

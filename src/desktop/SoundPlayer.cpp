@@ -30,14 +30,6 @@ std::optional<DecodedSound> decodeSoundFile(const QString& path) {
   return s;
 }
 
-QString soundsDirectory() {
-  const QString env = qEnvironmentVariable("TOLVANE_SOUNDS_DIR");
-  if (!env.isEmpty()) return env;
-  const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/tolvane/Sounds");
-  if (QFileInfo(beside).isDir()) return QDir(beside).canonicalPath();
-  return QStringLiteral(TOLVANE_SOUNDS_DIR);
-}
-
 SoundPlayer::SoundPlayer(QString directory, QObject* parent) : QObject(parent), dir_(std::move(directory)) {}
 
 void SoundPlayer::playResource(const std::string& name) {

@@ -23,10 +23,6 @@ struct DecodedSound {
 // Decodes a sound file; nothing when it is missing or unreadable.
 std::optional<DecodedSound> decodeSoundFile(const QString& path);
 
-// The folder of the bundled sounds: $TOLVANE_SOUNDS_DIR, then Sounds/ beside
-// the installed program, then the source tree's resources/Sounds.
-QString soundsDirectory();
-
 class SoundPlayer : public QObject, public platform::Sounds {
   Q_OBJECT
  public:

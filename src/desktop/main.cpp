@@ -15,6 +15,7 @@
 #include "desktop/MainWindow.h"
 #include "desktop/QtSerial.h"
 #include "desktop/QtServices.h"
+#include "desktop/Resources.h"
 #include "desktop/SoundPlayer.h"
 #ifdef TOLVANE_HAVE_SIM
 #include "sim/PortManagerWithSimulator.h"
@@ -75,6 +76,8 @@ int main(int argc, char** argv) {
   QCoreApplication::setOrganizationName(QStringLiteral("Tolvane"));
   QCoreApplication::setApplicationName(QStringLiteral("Tolvane"));
   QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
+  // Ties the window to its launcher, so the desktop shows the program's name and icon.
+  QGuiApplication::setDesktopFileName(QString::fromLatin1(desktop::kApplicationId));
   const desktop::Options options = desktop::parseCommandLine(QCoreApplication::arguments());
 
   QObject root;
