@@ -64,6 +64,9 @@ void SerialPortDemoController::wireActions() {
   wirePlain("sendButton", &SerialPortDemoController::send);
   wirePlain("readMemoriesButton", &SerialPortDemoController::getMemoriesFromRadio);
   wirePlain("writeMemoriesButton", &SerialPortDemoController::writeMemoriesToRadio);
+  wirePlain("exportMemoriesButton", &SerialPortDemoController::exportMemories);
+  wirePlain("importMemoriesButton", &SerialPortDemoController::importMemories);
+  wirePlain("restoreMemoriesButton", &SerialPortDemoController::restoreMemoryBackup);
   // The controller answers every table; only the memories table takes drops.
   for (const auto& c : window_.controls())
     if (c->kind() == ui::Kind::Table) c->setDataSource(this);
@@ -163,12 +166,18 @@ void SerialPortDemoController::setUpRoutine() {
   for (const auto& list : startup::valueLists()) {
     ui::Control* p = window_.viewWithTag("settingsTab", list.page, list.tag);
     if (!p || p->kind() != ui::Kind::PopUp) continue;
-    std::vector<ui::Entry> entries = p->entries();
+    // The layout's own entries come first; a rerun rebuilds the list from
+    // them rather than appending the values a second time.
+    auto base = valueListBase_.find(list.tag);
+    if (base == valueListBase_.end()) base = valueListBase_.emplace(list.tag, p->entries()).first;
+    std::vector<ui::Entry> entries = base->second;
+    const int keep = p->selectedIndex();
     for (int v = list.from; v <= list.to; v += list.step) {
       entries.push_back(ui::Entry{startup::paddedValue(v, list.width), 0,
                                   v == list.marked ? ui::kStatusPartiallyAvailable : "", false});
     }
     p->setEntries(std::move(entries));
+    if (keep >= 0) p->selectIndex(keep);
   }
 
   refreshPota();
@@ -198,7 +207,7 @@ void SerialPortDemoController::onOpenSequence(platform::SerialPort& port) {
     window_.at("tlMemBButton").setTitle("");
     auto& s = sv_.scheduler;
     s.after(5s, [this] { getMemoriesFromRadio(); });
-    s.after(7s, [this] { queryMemorySlots(); });
+    s.after(7s, [this] { queryMemorySlotsAfterRead(); });
     s.after(8s, [this] {
       selectMainTab(1);
       transmit(syncRadioCmd);
@@ -268,6 +277,7 @@ void SerialPortDemoController::serialPortsWereDisconnected(const std::vector<std
                                                        "Serial Port " + n + " was disconnected from your computer.");
     if (id) sv_.scheduler.after(3s, [this, id] { sv_.notifications.remove(id); });
   }
+  forgetVanishedPort(names);
   refreshPortList();
 }
 

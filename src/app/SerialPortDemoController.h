@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -69,6 +70,8 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void openOrClosePort();
   void setSerialPort(platform::SerialPortPtr port);
   platform::SerialPortPtr serialPort() const { return serialPort_; }
+  // A port the system no longer lists stops being the chosen one.
+  void forgetVanishedPort(const std::vector<std::string>& names);
   // Bytes waiting for the rest of their answer.
   std::size_t pendingReceiveBytes() const { return receiveBuffer_.pending(); }
 
@@ -144,6 +147,18 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void refreshMemoryPopUp();
   void writeMemoriesToRadio();
   void queryMemorySlots();
+  // The on-open slot query: sent now, or when the running read has ended.
+  void queryMemorySlotsAfterRead();
+  // Ends a read that stopped answering, keeping what arrived.
+  void memoryReadTimedOut(std::uint64_t serial);
+  // Backups, export and import of the memory channels (CSV files).
+  void setFiles(platform::Files* files) { files_ = files; }
+  void exportMemories();
+  void importMemories();
+  void restoreMemoryBackup();
+  // Saves the channels of the last complete read as a dated backup; the path, or empty.
+  std::string backUpMemories();
+  std::string memoryBackupDirectory();
   // The memories table: text typed into (row, column position); the mode pop-up of a row (its tag).
   void textEdited(int row, int column, const std::string& text);
   void modeEdited(ui::Control& sender);
@@ -195,6 +210,10 @@ class SerialPortDemoController : public platform::SerialPortListener,
   std::string tlModeA = "vfo", tlModeB = "vfo";
   std::string tlMemATag, tlMemBTag;
 
+  // Power-on: true during its pauses; buttons pressed meanwhile, in order.
+  bool powerOnPause = false;
+  std::vector<ui::Control*> pressesDuringPowerOn;
+
   // Levels.
   std::string tlAFLevel = "000", tlRFLevel = "000";
   int tlMuted = 0;
@@ -203,6 +222,17 @@ class SerialPortDemoController : public platform::SerialPortListener,
   std::string tlMemRead = "0";
   int tlMemReadCnt = 0;
   std::vector<MemoryRecord> tlMemArray;
+  // Guards of the operator's channels: every start and answer of a read bumps
+  // the serial (a read's deadline checks it); whether a complete read (or a
+  // restored backup of one) filled the table; the channels of the last
+  // complete read; the slot query waiting for a read; a write in progress and
+  // the presses of Write queued behind it.
+  std::uint64_t memReadSerial = 0;
+  bool memTableFromRadio = false;
+  std::vector<MemoryRecord> memLastRead;
+  bool memSlotQueryWaiting = false;
+  bool memWriting = false;
+  int memWritesQueued = 0;
 
   // Web lists.
   std::vector<ListRow> tlPotaArray, tlSotaArray, tlNetLoggerArray, tlNetsArray, tlMWArray;
@@ -215,11 +245,16 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void wireActions();
   ui::Control* control(const std::string& outlet) const { return window_.find(outlet); }
 
+  void startMemoryWrite();
+
   platform::Services sv_;
+  platform::Files* files_ = nullptr;
   ui::Window& window_;
   platform::SerialPortPtr serialPort_;
   std::vector<platform::SerialPortPtr> listedPorts_;
   cat::ReceiveBuffer receiveBuffer_;
+  // The entries each numeric value pop-up had before the set-up routine first filled it.
+  std::map<int, std::vector<ui::Entry>> valueListBase_;
 };
 
 }  // namespace tolvane

@@ -14,12 +14,18 @@ using ui::Entry;
 using ui::Kind;
 
 const BandButton kBandButtons[13] = {
-    {"m160Button", 160, "BS00;", "gentlemens band", "160"}, {"m80Button", 80, "BS01;", "80 meters", "80"},
-    {"m60Button", 60, "BS02;", "60 meters", "60"},          {"m40Button", 40, "BS03;", "40 meters", "40"},
-    {"m30Button", 30, "BS04;", "30 meters", "30"},          {"m20Button", 20, "BS05;", "20 meters", "20"},
-    {"m17Button", 17, "BS06;", "17 meters", "17"},          {"m15Button", 15, "BS07;", "15 meters", "15"},
-    {"m12Button", 12, "BS08;", "12 meters", "12"},          {"m10Button", 10, "BS09;", "10 meters", "10"},
-    {"m6Button", 6, "BS10;", "magic band", "6"},            {"mgenButton", 161, "BS11;", "general", "GEN"},
+    {"m160Button", 160, "BS00;", "gentlemens band", "160"},
+    {"m80Button", 80, "BS01;", "80 meters", "80"},
+    {"m60Button", 60, "BS02;", "60 meters", "60"},
+    {"m40Button", 40, "BS03;", "40 meters", "40"},
+    {"m30Button", 30, "BS04;", "30 meters", "30"},
+    {"m20Button", 20, "BS05;", "20 meters", "20"},
+    {"m17Button", 17, "BS06;", "17 meters", "17"},
+    {"m15Button", 15, "BS07;", "15 meters", "15"},
+    {"m12Button", 12, "BS08;", "12 meters", "12"},
+    {"m10Button", 10, "BS09;", "10 meters", "10"},
+    {"m6Button", 6, "BS10;", "magic band", "6"},
+    {"mgenButton", 161, "BS11;", "general", "GEN"},
     {"mmwButton", 162, "BS12;", "medium wave", "MW"},
 };
 
@@ -92,11 +98,11 @@ void buildOperatePage(ui::Window& w, Control& tab) {
     const char* title;
   };
   static const ModeButton modes[] = {
-      {"modeLSBButton", 200, "LSB"},       {"modeUSBButton", 201, "USB"},      {"modeAMButton", 202, "AM"},
-      {"modeCWLButton", 203, "CW-L"},      {"modeCWUButton", 204, "CW-U"},     {"modeFMButton", 205, "FM"},
-      {"modeRTTYLButton", 206, "RTTY-L"},  {"modeRTTYUButton", 207, "RTTY-U"}, {"modeDataLButton", 208, "DATA-L"},
-      {"modeDataUButton", 209, "DATA-U"},  {"modeFMNButton", 210, "FM-N"},     {"modeAMNButton", 211, "AM-N"},
-      {"modeDataFMButton", 212, "DATA-FM"}, {"modePSKButton", 213, "PSK"},     {"modeFButton", 214, "Mode F"},
+      {"modeLSBButton", 200, "LSB"},        {"modeUSBButton", 201, "USB"},      {"modeAMButton", 202, "AM"},
+      {"modeCWLButton", 203, "CW-L"},       {"modeCWUButton", 204, "CW-U"},     {"modeFMButton", 205, "FM"},
+      {"modeRTTYLButton", 206, "RTTY-L"},   {"modeRTTYUButton", 207, "RTTY-U"}, {"modeDataLButton", 208, "DATA-L"},
+      {"modeDataUButton", 209, "DATA-U"},   {"modeFMNButton", 210, "FM-N"},     {"modeAMNButton", 211, "AM-N"},
+      {"modeDataFMButton", 212, "DATA-FM"}, {"modePSKButton", 213, "PSK"},      {"modeFButton", 214, "Mode F"},
       {"modeZeroButton", 215, "Mode 0"},
   };
   for (const auto& m : modes) button(w, tab, p, m.outlet, m.tag, m.title);
@@ -160,8 +166,8 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   popUp(w, tab, p, "spectrumModePopUpButton",
         titles({"Centre", "Cursor", "Fixed", "3DSS centre", "3DSS cursor", "3DSS fixed", "Waterfall centre",
                 "Waterfall cursor", "Waterfall fixed", "Mode 9", "Mode A", "Mode B"}));
-  popUp(w, tab, p, "scopeSpanPopUpButton", titles({"1 kHz", "2 kHz", "5 kHz", "10 kHz", "20 kHz", "50 kHz",
-                                                   "100 kHz", "200 kHz", "500 kHz", "1 MHz"}),
+  popUp(w, tab, p, "scopeSpanPopUpButton",
+        titles({"1 kHz", "2 kHz", "5 kHz", "10 kHz", "20 kHz", "50 kHz", "100 kHz", "200 kHz", "500 kHz", "1 MHz"}),
         2000);
   popUp(w, tab, p, "scopeSpeedPopUpButton", titles({"Speed 1", "Speed 2", "Speed 3", "Speed 4", "Speed 5"}), 2001);
   {
@@ -195,6 +201,9 @@ void buildMemoriesPage(ui::Window& w, Control& tab) {
   w.addOn(tab, p, "memoriesTable", Kind::Table).setColumns(memories::memoriesColumns());
   button(w, tab, p, "readMemoriesButton", 0, "Read from radio").setEnabled(false);
   button(w, tab, p, "writeMemoriesButton", 0, "Write to radio");
+  button(w, tab, p, "exportMemoriesButton", 0, "Export\u2026");
+  button(w, tab, p, "importMemoriesButton", 0, "Import\u2026");
+  button(w, tab, p, "restoreMemoriesButton", 0, "Restore backup\u2026");
 }
 
 void buildSettingsPage(ui::Window& w, Control& mainTab) {

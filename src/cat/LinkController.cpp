@@ -30,8 +30,15 @@ void SerialPortDemoController::returnPressedInTextMessageField() { window_.at("s
 void SerialPortDemoController::setSerialPort(platform::SerialPortPtr port) {
   if (serialPort_ == port) return;
   if (serialPort_) {
+    // The old port closes the way the button closes it: the radio is told to
+    // stop its reports, and the close report (title, bezel, sound) still
+    // reaches the controller before it lets the port go.
+    if (serialPort_->isOpen()) {
+      transmit("AI0;");
+      serialPort_->close();
+      window_.at("readMemoriesButton").setEnabled(false);
+    }
     serialPort_->setListener(nullptr);
-    if (serialPort_->isOpen()) serialPort_->close();
   }
   receiveBuffer_.clear();
   serialPort_ = std::move(port);
@@ -80,12 +87,33 @@ void SerialPortDemoController::serialPortDidReceiveData(platform::SerialPort&, s
   if (!complete.empty()) dispatchResponse(complete);
 }
 
-void SerialPortDemoController::serialPortWasRemovedFromSystem(platform::SerialPort&) {
-  setSerialPort(nullptr);
-  window_.at("openCloseButton").setTitle("Connect");
+void SerialPortDemoController::serialPortWasRemovedFromSystem(platform::SerialPort& port) {
+  if (serialPort_.get() != &port) return;
+  // The device is gone: nothing can be written to it, but the window shows
+  // what a close shows, and no port stays chosen.
+  const bool wasConnected = window_.at("openCloseButton").title() == "Connected";
+  serialPort_->setListener(nullptr);
+  serialPort_.reset();
+  receiveBuffer_.clear();
   window_.at("readMemoriesButton").setEnabled(false);
-  ui::Control& ports = window_.at("PortPopUpButton");
-  ports.selectIndex(-1);
+  window_.at("PortPopUpButton").selectIndex(-1);
+  if (wasConnected) serialPortWasClosed(port);
+}
+
+void SerialPortDemoController::forgetVanishedPort(const std::vector<std::string>& names) {
+  if (!serialPort_) return;
+  for (const auto& n : names) {
+    if (n != serialPort_->name()) continue;
+    if (serialPort_->isOpen()) {
+      serialPortWasRemovedFromSystem(*serialPort_);
+    } else {
+      serialPort_->setListener(nullptr);
+      serialPort_.reset();
+      receiveBuffer_.clear();
+      window_.at("PortPopUpButton").selectIndex(-1);
+    }
+    return;
+  }
 }
 
 void SerialPortDemoController::serialPortDidEncounterError(platform::SerialPort& port, const std::string& error) {

@@ -41,9 +41,12 @@ void sendWithTail(SerialPortDemoController& c) {
 // event loop so the window stays responsive; the tail then goes out with the
 // buffer as this press left it (after Power off that is its "PS0;", resent as
 // it stands).
+// Buttons pressed during the pauses wait, as they would behind a busy window,
+// and are handled in order once the tail has gone out.
 void powerOn(SerialPortDemoController& c) {
   c.transmit("PS1;PS1;");
   const std::string pressed = c.cmd;
+  c.powerOnPause = true;
   platform::Scheduler& scheduler = c.services().scheduler;
   scheduler.after(250ms, [&c, &scheduler, pressed] {
     c.transmit("PS1;");
@@ -51,6 +54,18 @@ void powerOn(SerialPortDemoController& c) {
       c.transmit(c.syncRadioCmd);
       c.cmd = pressed;
       sendWithTail(c);
+      c.powerOnPause = false;
+      std::vector<ui::Control*> waiting;
+      waiting.swap(c.pressesDuringPowerOn);
+      for (std::size_t i = 0; i < waiting.size(); ++i) {
+        c.go(*waiting[i]);
+        // A press that starts another power-on keeps the rest waiting behind it.
+        if (c.powerOnPause) {
+          c.pressesDuringPowerOn.insert(c.pressesDuringPowerOn.begin(),
+                                        waiting.begin() + static_cast<std::ptrdiff_t>(i) + 1, waiting.end());
+          break;
+        }
+      }
     });
   });
 }
@@ -83,6 +98,10 @@ void selectSide(SerialPortDemoController& c, int tag) {
 }  // namespace
 
 void SerialPortDemoController::go(ui::Control& sender) {
+  if (powerOnPause) {
+    pressesDuringPowerOn.push_back(&sender);
+    return;
+  }
   const int tag = sender.tag();
 
   if (const controls::Toggle* t = controls::toggleFor(tag)) {

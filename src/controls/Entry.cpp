@@ -31,6 +31,9 @@ constexpr std::string_view kBlanks = " \t\n\r\v\f";
 }  // namespace
 
 std::optional<double> parseMegahertz(std::string_view text) {
+  // An explicit plus sign is part of a C-locale number ("+14.074").
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  if (!text.empty() && (text.front() == '+' || text.front() == '-')) return std::nullopt;
   const std::size_t start = text.find_first_not_of('0');
   if (start == std::string_view::npos) return std::nullopt;
   text.remove_prefix(start);
@@ -129,6 +132,7 @@ void SerialPortDemoController::doCall(ui::Control&) {
   ui::Control& button = window_.at("saveCallButton");
   button.setTitle("Saved");
   button.setBezel(ui::Bezel::Green);
+  playSound("Seatbelts");
 }
 
 }  // namespace tolvane

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QSerialPortInfo>
+#include <QTimer>
 #include <algorithm>
 #include <future>
 #include <set>
@@ -48,6 +49,7 @@ void QtSerialPort::open(const platform::SerialSettings& s) {
                                                        : QSerialPort::NoParity);
   port_.setStopBits(s.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   port_.setFlowControl(s.rtsCts ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
+  ioErrorReported_ = false;
   if (!port_.open(QIODevice::ReadWrite)) {
     const std::string error = port_.errorString().toStdString();
     port_.clearError();
@@ -69,8 +71,15 @@ bool QtSerialPort::sendData(std::string_view bytes) {
   return n == static_cast<qint64>(bytes.size());
 }
 
+bool QtSerialPort::devicePresent() const {
+  if (present_) return present_();
+  const QString path = location_.startsWith(QLatin1Char('/')) ? location_ : QStringLiteral("/dev/") + location_;
+  return QFileInfo::exists(path);
+}
+
 void QtSerialPort::readAvailable() {
   const QByteArray data = port_.readAll();
+  if (!data.isEmpty()) ioErrorReported_ = false;
   if (!data.isEmpty() && listener_)
     listener_->serialPortDidReceiveData(*this,
                                         std::string_view(data.constData(), static_cast<std::size_t>(data.size())));
@@ -85,8 +94,17 @@ void QtSerialPort::handleError(QSerialPort::SerialPortError error) {
     case QSerialPort::ReadError:
     case QSerialPort::WriteError: {
       if (!port_.isOpen()) return;
+      if (devicePresent()) {
+        // Still attached: an error of the line, not a removal.
+        const std::string text = port_.errorString().toStdString();
+        port_.clearError();
+        if (ioErrorReported_) return;
+        ioErrorReported_ = true;
+        if (listener_) listener_->serialPortDidEncounterError(*this, text);
+        return;
+      }
       // The device went away. Close at once, before the read notifier can fire
-      // again, and report the removal; the listener is not told of a close.
+      // again, and report the removal; the listener shows it as a close.
       port_.clearError();
       port_.close();
       if (listener_) listener_->serialPortWasRemovedFromSystem(*this);
@@ -100,6 +118,35 @@ void QtSerialPort::handleError(QSerialPort::SerialPortError error) {
       return;
     }
   }
+}
+
+// ---------------------------------------------------------------- HotPlugBatch
+
+HotPlugBatch::HotPlugBatch(int windowMs, Flush flush, QObject* parent)
+    : QObject(parent), windowMs_(windowMs), flush_(std::move(flush)) {}
+
+void HotPlugBatch::added(const std::string& name) {
+  if (std::find(added_.begin(), added_.end(), name) == added_.end()) added_.push_back(name);
+  arm();
+}
+
+void HotPlugBatch::removed(const std::string& name) {
+  if (std::find(removed_.begin(), removed_.end(), name) == removed_.end()) removed_.push_back(name);
+  arm();
+}
+
+void HotPlugBatch::arm() {
+  if (armed_) return;
+  armed_ = true;
+  QTimer::singleShot(windowMs_, this, [this] { flush(); });
+}
+
+void HotPlugBatch::flush() {
+  armed_ = false;
+  std::vector<std::string> added, removed;
+  added.swap(added_);
+  removed.swap(removed_);
+  if ((!added.empty() || !removed.empty()) && flush_) flush_(added, removed);
 }
 
 // ---------------------------------------------------------------- QtPortManager
@@ -122,7 +169,13 @@ std::future<std::vector<QString>>& prefetchedNames() {
 
 void QtPortManager::prefetchSystemPorts() { prefetchedNames() = std::async(std::launch::async, systemPortNames); }
 
-QtPortManager::QtPortManager(QObject* parent) : QObject(parent) {
+QtPortManager::QtPortManager(QObject* parent)
+    : QObject(parent),
+      batch_(250, [this](const std::vector<std::string>& added, const std::vector<std::string>& removed) {
+        if (!listener_) return;
+        if (!removed.empty()) listener_->serialPortsWereDisconnected(removed);
+        if (!added.empty()) listener_->serialPortsWereConnected(added);
+      }) {
   // The monitor starts first, so that no port plugged in meanwhile is missed.
   monitor_ = std::make_unique<UdevMonitor>(
       "tty", [this](const std::string& action, const std::string& sysname) { deviceEvent(action, sysname); });
@@ -168,14 +221,14 @@ void QtPortManager::deviceEvent(const std::string& action, const std::string& sy
     systemNames_ = systemPortNames();
     if (std::find(systemNames_.begin(), systemNames_.end(), name) == systemNames_.end()) return;
     portFor(name);
-    if (listener_) listener_->serialPortsWereConnected({sysname});
+    batch_.added(sysname);
   } else if (action == "remove") {
     systemNames_.erase(std::remove(systemNames_.begin(), systemNames_.end(), name), systemNames_.end());
     auto it = ports_.find(name);
     if (it == ports_.end()) return;
     // The port object stays alive while the controller still holds it.
     ports_.erase(it);
-    if (listener_) listener_->serialPortsWereDisconnected({sysname});
+    batch_.removed(sysname);
   }
 }
 

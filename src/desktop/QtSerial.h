@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QSerialPort>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,6 +18,8 @@ class UdevMonitor;
 
 // One system serial port. A port whose device goes away raises read errors
 // over and over; the first one closes the port and is reported as removal.
+// An I/O error while the device is still there is reported as an error, once
+// until the port delivers data again, and the port stays open.
 class QtSerialPort : public QObject, public platform::SerialPort {
   Q_OBJECT
  public:
@@ -33,6 +36,10 @@ class QtSerialPort : public QObject, public platform::SerialPort {
   void close() override;
   bool sendData(std::string_view bytes) override;
   void setListener(platform::SerialPortListener* listener) override { listener_ = listener; }
+  // Whether the device node still exists; replaceable so a test can keep a
+  // vanished terminal "attached".
+  void setPresenceCheck(std::function<bool()> check) { present_ = std::move(check); }
+  bool devicePresent() const;
 
  private:
   void readAvailable();
@@ -43,6 +50,29 @@ class QtSerialPort : public QObject, public platform::SerialPort {
   std::string name_;
   std::int64_t baud_ = 38400;
   platform::SerialPortListener* listener_ = nullptr;
+  std::function<bool()> present_;
+  bool ioErrorReported_ = false;
+};
+
+// Gathers hot-plug events that arrive together: udev reports each tty of a
+// device alone, so the names seen within a short window after the first one
+// are handed over as one list per action.
+class HotPlugBatch : public QObject {
+  Q_OBJECT
+ public:
+  using Flush = std::function<void(const std::vector<std::string>& added, const std::vector<std::string>& removed)>;
+  HotPlugBatch(int windowMs, Flush flush, QObject* parent = nullptr);
+  void added(const std::string& name);
+  void removed(const std::string& name);
+
+ private:
+  void arm();
+  void flush();
+
+  int windowMs_;
+  Flush flush_;
+  bool armed_ = false;
+  std::vector<std::string> added_, removed_;
 };
 
 // Lists the system's serial ports (plus any named on the command line) and
@@ -77,6 +107,7 @@ class QtPortManager : public QObject, public platform::PortManager {
   std::vector<QString> systemNames_;
   std::vector<QString> extra_;
   std::unique_ptr<UdevMonitor> monitor_;
+  HotPlugBatch batch_;
   platform::PortManagerListener* listener_ = nullptr;
 };
 

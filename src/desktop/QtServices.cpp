@@ -5,13 +5,20 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDateTime>
 #include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPushButton>
+#include <QSaveFile>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QTextToSpeech>
 #include <QTimer>
 #include <QUrl>
@@ -184,11 +191,75 @@ int QtAlerts::run(const platform::Alert& alert) {
     auto role = i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole;
     buttons.push_back(box.addButton(QString::fromStdString(titles[i]), role));
   }
-  box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
+  const std::size_t chosenDefault =
+      alert.defaultButton >= 0 && static_cast<std::size_t>(alert.defaultButton) < buttons.size()
+          ? static_cast<std::size_t>(alert.defaultButton)
+          : 0;
+  box.setDefaultButton(static_cast<QPushButton*>(buttons[chosenDefault]));
   box.exec();
   for (std::size_t i = 0; i < buttons.size(); ++i)
     if (box.clickedButton() == buttons[i]) return static_cast<int>(i);
   return static_cast<int>(buttons.size()) - 1;  // closed with Escape: the last (cancelling) button
+}
+
+std::string QtFiles::dataDirectory() {
+  return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation).toStdString();
+}
+
+std::string QtFiles::timestamp() {
+  return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-HHmmss")).toStdString();
+}
+
+std::vector<std::string> QtFiles::list(const std::string& directory) {
+  std::vector<std::string> out;
+  const QStringList names =
+      QDir(QString::fromStdString(directory)).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+  for (const QString& n : names) out.push_back(n.toStdString());
+  return out;
+}
+
+bool QtFiles::write(const std::string& path, const std::string& text, std::string& error) {
+  const QString p = QString::fromStdString(path);
+  if (!QDir().mkpath(QFileInfo(p).absolutePath())) {
+    error = "the folder could not be made";
+    return false;
+  }
+  // Written to a temporary file and renamed, so a failure never leaves half a file.
+  QSaveFile file(p);
+  if (!file.open(QIODevice::WriteOnly) ||
+      file.write(text.data(), static_cast<qint64>(text.size())) != static_cast<qint64>(text.size()) || !file.commit()) {
+    error = file.errorString().toStdString();
+    return false;
+  }
+  return true;
+}
+
+std::optional<std::string> QtFiles::read(const std::string& path, std::string& error) {
+  QFile file(QString::fromStdString(path));
+  if (!file.open(QIODevice::ReadOnly)) {
+    error = file.errorString().toStdString();
+    return std::nullopt;
+  }
+  const QByteArray data = file.readAll();
+  return std::string(data.constData(), static_cast<std::size_t>(data.size()));
+}
+
+bool QtFiles::remove(const std::string& path) { return QFile::remove(QString::fromStdString(path)); }
+
+std::optional<std::string> QtFiles::chooseSavePath(const std::string& title, const std::string& suggestedPath) {
+  const QString chosen =
+      QFileDialog::getSaveFileName(parent_, QString::fromStdString(title), QString::fromStdString(suggestedPath),
+                                   QStringLiteral("CSV files (*.csv);;All files (*)"));
+  if (chosen.isEmpty()) return std::nullopt;
+  return chosen.toStdString();
+}
+
+std::optional<std::string> QtFiles::chooseOpenPath(const std::string& title, const std::string& directory) {
+  const QString chosen =
+      QFileDialog::getOpenFileName(parent_, QString::fromStdString(title), QString::fromStdString(directory),
+                                   QStringLiteral("CSV files (*.csv);;All files (*)"));
+  if (chosen.isEmpty()) return std::nullopt;
+  return chosen.toStdString();
 }
 
 void StdoutLog::line(const std::string& text) {

@@ -103,6 +103,25 @@ class QtAlerts : public platform::Alerts {
   QPointer<QWidget> parent_;
 };
 
+// Files under the program's data folder (QStandardPaths, XDG on Linux) and
+// the file dialogs for export and import.
+class QtFiles : public platform::Files {
+ public:
+  explicit QtFiles(QWidget* parent = nullptr) : parent_(parent) {}
+  void setParent(QWidget* parent) { parent_ = parent; }
+  std::string dataDirectory() override;
+  std::string timestamp() override;
+  std::vector<std::string> list(const std::string& directory) override;
+  bool write(const std::string& path, const std::string& text, std::string& error) override;
+  std::optional<std::string> read(const std::string& path, std::string& error) override;
+  bool remove(const std::string& path) override;
+  std::optional<std::string> chooseSavePath(const std::string& title, const std::string& suggestedPath) override;
+  std::optional<std::string> chooseOpenPath(const std::string& title, const std::string& directory) override;
+
+ private:
+  QPointer<QWidget> parent_;
+};
+
 class StdoutLog : public platform::ConsoleLog {
  public:
   void line(const std::string& text) override;

@@ -95,6 +95,8 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     case Qt::ToolTipRole:
       return c->kind == ui::CellKind::Link ? QVariant(q(c->address)) : QVariant();
     case Qt::ForegroundRole:
+      // A held table's cells are drawn as disabled: nothing in them can be changed now.
+      if (table_.held()) return QVariant(QPalette().brush(QPalette::Disabled, QPalette::Text));
       return c->kind == ui::CellKind::Link ? QVariant(QPalette().brush(QPalette::Link)) : QVariant();
     default:
       return {};
@@ -113,9 +115,11 @@ Qt::ItemFlags TableModel::flags(const QModelIndex& index) const {
   // onto the row and refused, and only the gaps between rows move a record.
   const Qt::ItemFlags drop = table_.isDropTarget() ? Qt::ItemIsDropEnabled : Qt::NoItemFlags;
   if (!index.isValid()) return drop;
-  Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | drop;
+  Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+  if (table_.held()) return f;  // no typing, no dragging while the list is refilled
+  f |= Qt::ItemIsDragEnabled | drop;
   const ui::Cell* c = cell(index.row(), index.column());
-  if (c && c->kind == ui::CellKind::Text && c->editable && !table_.held()) f |= Qt::ItemIsEditable;
+  if (c && c->kind == ui::CellKind::Text && c->editable) f |= Qt::ItemIsEditable;
   return f;
 }
 
@@ -125,6 +129,9 @@ bool TableModel::setData(const QModelIndex& index, const QVariant& value, int ro
   const ui::Cell* c = cell(index.row(), index.column());
   if (!c || c->kind != ui::CellKind::Text || !c->editable) return false;
   const std::string typed = value.toString().toStdString();
+  // An editor left without a change commits the text it was given: that is
+  // no edit, and the record must stay as it is.
+  if (typed == c->text) return false;
   busy_ = true;
   ui::editCell(table_, index.row(), index.column(), typed);
   busy_ = false;
@@ -217,6 +224,15 @@ void TableView::showEvent(QShowEvent* event) {
 void TableView::refresh() {
   const ui::Control& c = model_.control();
   model_.refresh();
+  if (held_ != c.held()) {
+    // Holding or releasing the table: the cells repaint greyed or live, and
+    // the pop-up cells follow (an editor still open commits nothing).
+    held_ = c.held();
+    setDragEnabled(!held_);
+    horizontalHeader()->setSectionsClickable(!held_);
+    for (auto* box : findChildren<QComboBox*>()) box->setEnabled(!held_);
+    viewport()->update();
+  }
   const auto& cols = c.columns();
   for (int i = 0; i < static_cast<int>(cols.size()); ++i) {
     if (i + 1 < static_cast<int>(cols.size())) setColumnWidth(i, cols[static_cast<std::size_t>(i)].width);
@@ -247,6 +263,7 @@ void TableView::placeCellControls() {
         box->setObjectName(q(c->outlet));
         for (const auto& e : c->entries) box->addItem(q(e.title));
         box->setCurrentIndex(c->selected);
+        box->setEnabled(!model_.control().held());
         connect(box, &QComboBox::activated, this, [this, r, col](int i) { model_.choose(r, col, i); });
         setIndexWidget(index, box);
       } else if (c->kind == ui::CellKind::Button) {

@@ -82,6 +82,7 @@ class TableView : public QTableView {
   void placeCellControls();
 
   TableModel model_;
+  bool held_ = false;
   bool cellControlsStale_ = true;  // rows were fetched since the cell widgets were made
 };
 

@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
   desktop::QtBrowser browser;
   desktop::QtAlerts alerts;
   desktop::StdoutLog log;
+  desktop::QtFiles files;
   platform::Services services{ports, scheduler, settings, speech, sounds, notifications, http, browser, alerts, log};
 
   ui::Window model;
@@ -111,6 +112,8 @@ int main(int argc, char** argv) {
   desktop::Binder binder(model);
   desktop::MainWindow window(binder);
   alerts.setParent(&window);
+  files.setParent(&window);
+  controller.setFiles(&files);
 
   if (tracing()) {
     binder.setRepaintHook([](const ui::Control& c) {

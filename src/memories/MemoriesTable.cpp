@@ -42,7 +42,7 @@ std::optional<ui::Cell> memoriesCell(SerialPortDemoController& c, const std::str
 }
 
 bool dropMemory(SerialPortDemoController& c, ui::Control& table, const std::optional<std::string>& text, int row) {
-  if (!text) return false;
+  if (!text || c.tlMemRead == "run") return false;
   const std::optional<long long> from = parseInteger(*text);
   if (!from || *from < 0 || *from >= static_cast<long long>(c.tlMemArray.size())) return false;
   if (!moveRecord(c.tlMemArray, static_cast<int>(*from), row)) return false;
@@ -51,7 +51,7 @@ bool dropMemory(SerialPortDemoController& c, ui::Control& table, const std::opti
 }
 
 void sortMemories(SerialPortDemoController& c, ui::Control& table, int column) {
-  if (column < 0 || column >= static_cast<int>(table.columns().size())) return;
+  if (column < 0 || column >= static_cast<int>(table.columns().size()) || c.tlMemRead == "run") return;
   const ui::Column& clicked = table.columns()[static_cast<std::size_t>(column)];
   // The first click sorts ascending, each further click on the same column flips the direction.
   const bool ascending = !(table.sortColumn() == clicked.identifier && table.sortAscending());
@@ -78,6 +78,8 @@ void rejectFrequency(SerialPortDemoController& c, controls::TuneRefusal why) {
 }  // namespace
 
 void SerialPortDemoController::textEdited(int row, int column, const std::string& text) {
+  // While a read refills the list, its rows are not the operator's to change.
+  if (tlMemRead == "run") return;
   if (row < 0 || row >= static_cast<int>(tlMemArray.size())) return;
   MemoryRecord& r = tlMemArray[static_cast<std::size_t>(row)];
   ui::Control* table = control("memoriesTable");
@@ -126,7 +128,7 @@ void SerialPortDemoController::textEdited(int row, int column, const std::string
 
 void SerialPortDemoController::modeEdited(ui::Control& sender) {
   const int row = sender.tag();
-  if (row < 0 || row >= static_cast<int>(tlMemArray.size())) return;
+  if (tlMemRead == "run" || row < 0 || row >= static_cast<int>(tlMemArray.size())) return;
   const std::string mode = memories::modeForEntry(sender.selectedIndex());
   if (!mode.empty()) tlMemArray[static_cast<std::size_t>(row)].mode = mode;
 }

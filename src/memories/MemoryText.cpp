@@ -1,9 +1,12 @@
 #include "memories/MemoryText.h"
 
+#include <locale.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace tolvane::memories {
 
@@ -107,7 +110,14 @@ std::optional<double> parseDecimal(std::string_view text) {
   if (text.empty() || text.front() == '+') return std::nullopt;
   double value = 0;
   const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::general);
-  if (ec != std::errc() || end != text.data() + text.size() || std::isnan(value)) return std::nullopt;
+  if (end != text.data() + text.size() || ec == std::errc::invalid_argument) return std::nullopt;
+  if (ec == std::errc::result_out_of_range) {
+    // Too large or too small for a double ("1e999"): the C library's reading
+    // in the C locale gives infinity or zero, as it does for "inf".
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
+    value = strtod_l(std::string(text).c_str(), nullptr, c);
+  }
+  if (std::isnan(value)) return std::nullopt;
   return value;
 }
 

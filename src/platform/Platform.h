@@ -165,6 +165,9 @@ struct Alert {
   std::string informativeText;
   std::vector<std::string> buttons{"OK"};
   AlertStyle style = AlertStyle::Warning;
+  // The button that Return presses; a question whose yes is destructive
+  // makes its cancelling button the default.
+  int defaultButton = 0;
 };
 
 class Alerts {
@@ -178,6 +181,28 @@ class ConsoleLog {
  public:
   virtual ~ConsoleLog() = default;
   virtual void line(const std::string& text) = 0;
+};
+
+// ---------------------------------------------------------------- files
+
+// The operator's files: the program's own data folder (memory backups) and
+// the files the operator picks for export and import.
+class Files {
+ public:
+  virtual ~Files() = default;
+  // The program's per-user data folder (under XDG_DATA_HOME on Linux).
+  virtual std::string dataDirectory() = 0;
+  // The local date and time as "YYYY-MM-DD-HHMMSS", for naming a backup.
+  virtual std::string timestamp() = 0;
+  // The names (not paths) of the files in a folder, sorted; empty when it does not exist.
+  virtual std::vector<std::string> list(const std::string& directory) = 0;
+  // Writes the whole file, creating its folder; false with `error` set when it fails.
+  virtual bool write(const std::string& path, const std::string& text, std::string& error) = 0;
+  virtual std::optional<std::string> read(const std::string& path, std::string& error) = 0;
+  virtual bool remove(const std::string& path) = 0;
+  // Modal file choosers; nothing when the operator cancels.
+  virtual std::optional<std::string> chooseSavePath(const std::string& title, const std::string& suggestedPath) = 0;
+  virtual std::optional<std::string> chooseOpenPath(const std::string& title, const std::string& directory) = 0;
 };
 
 // Every service the controller needs, owned elsewhere.

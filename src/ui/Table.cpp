@@ -16,8 +16,9 @@ Control cellControl(const Cell& cell) {
 
 namespace {
 
+// A held table (its list is being refilled) takes no gesture of the operator.
 TableDataSource* sourceFor(const Control& table) {
-  if (table.kind() != Kind::Table || !table.enabled()) return nullptr;
+  if (table.kind() != Kind::Table || !table.enabled() || table.held()) return nullptr;
   return table.dataSource();
 }
 

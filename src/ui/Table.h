@@ -66,6 +66,7 @@ class TableDataSource {
 Control cellControl(const Cell& cell);
 
 // ---------------------------------------------------------------- gestures
+// None of them acts on a disabled table or on a held one.
 
 // The operator typed into a cell. Ignored when the table is disabled or has no data source.
 void editCell(Control& table, int row, int column, const std::string& text);

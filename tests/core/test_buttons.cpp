@@ -205,7 +205,9 @@ TEST_F(Buttons, PowerOnKeepsItsOrderAndGapsWithoutBlocking) {
   EXPECT_EQ(w[0].at - t0, 0ms);
   EXPECT_EQ(w[1].bytes, "PS1;");
   EXPECT_EQ(w[1].at - t0, 250ms);
-  EXPECT_EQ(w[2].bytes, startup::kPollString);
+  EXPECT_EQ(w[2].bytes,
+            "PS;AI1;AI;AG0;IF;OI;VS;SV;MD0;NB0;NR0;PC;FA;FB;VS0;BC0;BI;PA0;BP00;CO00;GT0;RA0;RF0;SF0;SF1;SS00;SS01;"
+            "SS02;SS03;SS04;SS05;SS06;MS;EX040101;SV;");
   EXPECT_EQ(w[2].at - t0, 12250ms);
   EXPECT_EQ(w[3].bytes, "MD02;BI1;");
   EXPECT_EQ(w[3].at - t0, 12250ms);
@@ -216,6 +218,26 @@ TEST_F(Buttons, PowerOnKeepsItsOrderAndGapsWithoutBlocking) {
   rig.at("powerOnButton").click();
   rig.scheduler.runAll();
   EXPECT_EQ(rig.port->writes().back().bytes, "PS0;BI1;BI1;");
+}
+
+TEST_F(Buttons, APressDuringThePowerOnPauseGoesOutAfterTheTailInOrder) {
+  rig.c().cmd = "MD02;";
+  const auto t0 = rig.scheduler.now();
+  rig.at("powerOnButton").click();
+  rig.scheduler.advance(5s);
+  rig.at("m20Button").click();
+  rig.scheduler.advance(1s);
+  rig.at("modeCWUButton").click();
+  EXPECT_EQ(rig.port->writes().size(), 2u);  // "PS1;PS1;" and "PS1;" only: the presses wait
+  rig.scheduler.runAll();
+  const auto& w = rig.port->writes();
+  ASSERT_EQ(w.size(), 6u);
+  EXPECT_EQ(w[2].bytes.substr(0, 20), "PS;AI1;AI;AG0;IF;OI;");
+  EXPECT_EQ(w[3].bytes, "MD02;BI1;");
+  EXPECT_EQ(w[4].bytes.substr(0, 4), "BS05");
+  EXPECT_EQ(w[4].at - t0, 12250ms);
+  EXPECT_EQ(w[5].bytes, "MD03;BI1;");
+  EXPECT_EQ(rig.c().cmd, "MD03;BI1;");
 }
 
 TEST_F(Buttons, VfoSelectionLeavesMemoryModeAndSpeaks) {

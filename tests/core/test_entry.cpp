@@ -146,3 +146,43 @@ TEST(CallSign, SavingShowsUpperCaseAndSaved) {
   rig.at("saveCallButton").click();
   EXPECT_EQ(rig.written(), "EX040101ABCDEFGHIJK\xe2\x82\xac;");
 }
+
+TEST(Tune, APlusSignIsPartOfTheNumberAndHugeExponentsAreTooHigh) {
+  EXPECT_EQ(tuned("+14.074"), "MD02;FA014074000;SS0670000;");
+  EXPECT_EQ(tuned("+7"), "MD01;FA007000000;SS0670000;");
+  EXPECT_EQ(refusal("++7"), TuneRefusal::TooLow);
+  EXPECT_EQ(refusal("+-7"), TuneRefusal::TooLow);
+  EXPECT_EQ(refusal("1e999"), TuneRefusal::TooHigh);
+  EXPECT_EQ(refusal("+1e999"), TuneRefusal::TooHigh);
+
+  // The memories table gives the same alerts for the same texts.
+  test::Rig rig;
+  rig.c().tlMemArray[0] = MemoryRecord{"014074000", "2", "CALLING"};
+  ui::Control& table = rig.at("memoriesTable");
+  ui::editCell(table, 0, 2, "+7.074");
+  EXPECT_EQ(rig.c().tlMemArray[0], (MemoryRecord{"007074000", "2", "CALLING"}));
+  EXPECT_TRUE(rig.alerts.shown.empty());
+  for (const char* huge : {"1e999", "inf", "+1e999"}) {
+    rig.alerts.shown.clear();
+    ui::editCell(table, 0, 2, huge);
+    ASSERT_EQ(rig.alerts.shown.size(), 1u) << huge;
+    EXPECT_EQ(rig.alerts.shown[0].message, "Frequency must be in MHz and less than 75.0\n\nExample: 14.235") << huge;
+  }
+  rig.alerts.shown.clear();
+  ui::editCell(table, 0, 2, "1e-999");
+  ASSERT_EQ(rig.alerts.shown.size(), 1u);
+  EXPECT_EQ(rig.alerts.shown[0].message, "Frequency must be in MHz and greater than 0.03\n\nExample: 0.860");
+}
+
+TEST(CallSign, StoringPlaysSeatbeltsWhenSoundsAreOn) {
+  test::Rig rig;
+  rig.openPort();
+  rig.c().tlSounds = "1";
+  rig.sounds.played.clear();
+  rig.at("callTextField").type("n0call");
+  rig.at("saveCallButton").click();
+  EXPECT_EQ(rig.sounds.played, std::vector<std::string>{"resource:Seatbelts"});
+  rig.c().tlSounds = "0";
+  rig.at("saveCallButton").click();
+  EXPECT_EQ(rig.sounds.played.size(), 1u);
+}

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "cat/Framing.h"
 #include "cat/ReceiveBuffer.h"
 #include "support/Harness.h"
@@ -88,13 +90,58 @@ TEST(Link, OpeningUsesFixedLineSettingsAndClosingSaysAI0First) {
   EXPECT_EQ(rig.sounds.played.back(), "system:Bottle");
 }
 
-TEST(Link, RemovalLetsThePortGoWithoutWriting) {
+TEST(Link, UnpluggingTheOpenPortLooksAndSoundsLikeAClose) {
   test::Rig rig;
   rig.openPort();
   rig.port->remove();
-  EXPECT_EQ(rig.written(), "");
+  EXPECT_EQ(rig.written(), "");  // the device is gone: no "AI0;"
   EXPECT_EQ(rig.c().serialPort(), nullptr);
   EXPECT_EQ(rig.at("openCloseButton").title(), "Connect");
+  EXPECT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Red);
+  EXPECT_EQ(rig.sounds.played.back(), "system:Bottle");
+  EXPECT_FALSE(rig.at("readMemoriesButton").enabled());
+  EXPECT_EQ(rig.at("PortPopUpButton").selectedIndex(), -1);
+  EXPECT_EQ(rig.port->listener(), nullptr);
+  // The system then reports the port gone: still one close sound, nothing chosen.
+  rig.ports.ports.clear();
+  rig.ports.listener->serialPortsWereDisconnected({"ttyUSB0"});
+  EXPECT_EQ(std::count(rig.sounds.played.begin(), rig.sounds.played.end(), "system:Bottle"), 1);
+  EXPECT_EQ(rig.c().serialPort(), nullptr);
+}
+
+TEST(Link, UnpluggingAChosenPortThatIsNotOpenLeavesNoPortChosen) {
+  test::Rig rig;
+  rig.at("PortPopUpButton").choose(0);
+  ASSERT_EQ(rig.c().serialPort(), rig.port);
+  rig.ports.ports.clear();
+  rig.ports.listener->serialPortsWereDisconnected({"ttyUSB0"});
+  EXPECT_EQ(rig.c().serialPort(), nullptr);
+  EXPECT_EQ(rig.at("PortPopUpButton").selectedIndex(), -1);
+  EXPECT_TRUE(rig.sounds.played.empty());  // nothing was open, nothing closed
+  rig.at("openCloseButton").click();
+  EXPECT_FALSE(rig.port->isOpen());
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connect");
+}
+
+TEST(Link, ChoosingAnotherPortClosesTheOpenOneAsTheButtonWould) {
+  test::Rig rig;
+  auto second = std::make_shared<test::FakeSerialPort>("ttyUSB1", "USB Serial 2", &rig.scheduler);
+  rig.ports.ports.push_back(second);
+  rig.c().refreshPortList();
+  rig.openPort();
+  ASSERT_EQ(rig.at("openCloseButton").title(), "Connected");
+  rig.at("PortPopUpButton").choose(1);
+  EXPECT_EQ(rig.written(), "AI0;");
+  EXPECT_FALSE(rig.port->isOpen());
+  EXPECT_EQ(rig.c().serialPort(), second);
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connect");
+  EXPECT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Red);
+  EXPECT_EQ(rig.sounds.played.back(), "system:Bottle");
+  EXPECT_FALSE(rig.at("readMemoriesButton").enabled());
+  // The new port opens from the button as usual; the old one hears nothing more.
+  rig.at("openCloseButton").click();
+  EXPECT_TRUE(second->isOpen());
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connected");
   EXPECT_EQ(rig.port->listener(), nullptr);
 }
 

@@ -77,14 +77,21 @@ TEST(MemoryRead, AsksOneChannelAtATimeAndEndsWithNinetyNineRecords) {
 
   answerQueries(rig, kOneAndThree);
 
-  std::vector<std::string> expected{"MT001;"};
-  for (int n = 1; n <= 99; ++n) expected.push_back(memories::readQuery(n));
   std::vector<std::string> sent;
   for (const auto& w : rig.port->writes()) sent.push_back(w.bytes);
-  EXPECT_EQ(sent, expected);
-  EXPECT_EQ(memories::readQuery(9), "MT009;");
-  EXPECT_EQ(memories::readQuery(10), "MT010;");
-  EXPECT_EQ(memories::readQuery(99), "MT099;");
+  ASSERT_EQ(sent.size(), 100u);
+  EXPECT_EQ(sent[0], "MT001;");
+  EXPECT_EQ(sent[1], "MT001;");
+  EXPECT_EQ(sent[2], "MT002;");
+  EXPECT_EQ(sent[9], "MT009;");
+  EXPECT_EQ(sent[10], "MT010;");
+  EXPECT_EQ(sent[42], "MT042;");
+  EXPECT_EQ(sent[99], "MT099;");
+  for (std::size_t n = 1; n < sent.size(); ++n) {
+    char query[32];
+    std::snprintf(query, sizeof query, "MT0%02zu;", n);
+    EXPECT_EQ(sent[n], query);
+  }
   EXPECT_EQ(rig.c().cmd, "MT099;");
 
   const auto& list = rig.c().tlMemArray;
@@ -173,12 +180,26 @@ TEST(MemoryRead, TheOnOpenSequenceStartsTheReadAndThenQueriesTheSlots) {
   ASSERT_EQ(rig.port->writes().size(), 1u);
   EXPECT_EQ(rig.port->writes()[0].bytes, "MT001;");
   EXPECT_EQ(rig.c().tlMemRead, "run");
+  answerQueries(rig, kOneAndThree);  // a radio that answers at once
+  ASSERT_EQ(rig.c().tlMemRead, "0");
+  const std::size_t read = rig.port->writes().size();
+  ASSERT_EQ(read, 100u);
 
   rig.scheduler.advance(2s);
-  ASSERT_EQ(rig.port->writes().size(), 2u);
-  EXPECT_EQ(rig.port->writes()[1].bytes, "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;");
-  EXPECT_EQ(rig.port->writes()[1].at, 7500ms);
-  EXPECT_EQ(rig.port->writes()[1].bytes.size(), 44u);
+  ASSERT_EQ(rig.port->writes().size(), read + 1);
+  EXPECT_EQ(rig.port->writes()[read].bytes, "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;");
+  EXPECT_EQ(rig.port->writes()[read].at, 7500ms);
+}
+
+TEST(MemoryRead, ASilentRadioDelaysTheSlotQueryUntilTheReadIsGivenUp) {
+  test::Rig rig;
+  rig.openPort();
+  rig.scheduler.advance(7500ms);
+  ASSERT_EQ(rig.written(), "MT001;");  // the read still waits for its first answer
+  rig.scheduler.advance(1s);
+  EXPECT_EQ(rig.c().tlMemRead, "0");
+  EXPECT_EQ(rig.port->writes().back().bytes, "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;");
+  EXPECT_EQ(rig.port->writes().back().at, 8500ms);
 }
 
 TEST(MemoryWrite, SendsEveryChannelThenSelectsTheSidesAfterAPause) {
@@ -207,7 +228,9 @@ TEST(MemoryWrite, SendsEveryChannelThenSelectsTheSidesAfterAPause) {
   EXPECT_EQ(w[13].bytes, "MT013014074000+000000000001NO MODE     ;");
   for (std::size_t i = 1; i <= 99; ++i) {
     EXPECT_EQ(w[i].bytes.size(), i == 13 ? 40u : 41u) << i;
-    EXPECT_EQ(w[i].bytes.substr(0, 5), memories::readQuery(static_cast<int>(i)).substr(0, 5)) << i;
+    char channel[32];
+    std::snprintf(channel, sizeof channel, "MT0%02zu", i);
+    EXPECT_EQ(w[i].bytes.substr(0, 5), channel) << i;
   }
   EXPECT_EQ(w[100].bytes, "VS1;MC002;");
 

@@ -108,26 +108,33 @@ TEST(StartUp, OnOpenSequenceRunsOnTimeWithoutBlocking) {
   rig.scheduler.advance(500ms);
   EXPECT_EQ(rig.at("tlMemAButton").title(), "");
 
-  rig.scheduler.advance(7000ms);  // 7 s after the pause
+  rig.scheduler.advance(5000ms);  // the read starts; an empty radio answers each query at once
+  for (std::size_t i = 0; i < rig.port->writes().size(); ++i)
+    if (rig.port->writes()[i].bytes.rfind("MT0", 0) == 0) rig.receive("?;");
+  ASSERT_EQ(rig.c().tlMemRead, "0");
+
+  rig.scheduler.advance(2000ms);  // 7 s after the pause
   ASSERT_FALSE(rig.port->writes().empty());
   const test::Write& slots = rig.port->writes().back();
-  EXPECT_EQ(slots.bytes, startup::kMemorySlotString);
+  EXPECT_EQ(slots.bytes, "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;");
   EXPECT_EQ(slots.at, 7500ms);
 
   rig.scheduler.advance(1s);
   const test::Write& poll = rig.port->writes().back();
+  EXPECT_EQ(poll.bytes,
+            "PS;AI1;AI;AG0;IF;OI;VS;SV;MD0;NB0;NR0;PC;FA;FB;VS0;BC0;BI;PA0;BP00;CO00;GT0;RA0;RF0;SF0;SF1;SS00;SS01;"
+            "SS02;SS03;SS04;SS05;SS06;MS;EX040101;SV;");
   EXPECT_EQ(poll.bytes.size(), 142u);
-  EXPECT_EQ(poll.bytes, rig.c().syncRadioCmd);
   EXPECT_EQ(poll.at, 8500ms);
   EXPECT_EQ(rig.at("mainTab").selectedIndex(), 1);
   EXPECT_EQ(rig.log.lines.back(), "Operate");
 }
 
 TEST(StartUp, ThePollStringAsksForTheWholeRadioState) {
-  const std::string poll = startup::kPollString;
-  EXPECT_EQ(poll.size(), 142u);
-  EXPECT_EQ(poll.rfind("PS;AI1;AI;AG0;IF;OI;", 0), 0u);
-  EXPECT_NE(poll.find("EX040101;SV;"), std::string::npos);
+  test::Rig rig;
+  EXPECT_EQ(rig.c().syncRadioCmd,
+            "PS;AI1;AI;AG0;IF;OI;VS;SV;MD0;NB0;NR0;PC;FA;FB;VS0;BC0;BI;PA0;BP00;CO00;GT0;RA0;RF0;SF0;SF1;SS00;SS01;"
+            "SS02;SS03;SS04;SS05;SS06;MS;EX040101;SV;");
 }
 
 TEST(HotPlug, ConnectedPortsAreAnnouncedAndTheSetUpRunsOnce) {
@@ -152,6 +159,28 @@ TEST(HotPlug, ConnectedPortsAreAnnouncedAndTheSetUpRunsOnce) {
   EXPECT_EQ(rig.notifications.delivered.back().second, "Serial Port ttyUSB1 was disconnected from your computer.");
   rig.ports.listener->serialPortsWereDisconnected({});
   EXPECT_EQ(rig.notifications.delivered.size(), 3u);
+}
+
+TEST(HotPlug, ARerunOfTheSetUpLeavesEveryValuePopUpAsTheFirstRunDid) {
+  test::Rig rig;
+  ui::Control* hang = rig.window.viewWithTag("settingsTab", 1, 2020205);
+  ui::Control* power = rig.window.viewWithTag("mainTab", 1, 2007);
+  ASSERT_NE(hang, nullptr);
+  ASSERT_NE(power, nullptr);
+  ASSERT_EQ(hang->entries().size(), 9999u);
+  hang->choose(41);
+  rig.ports.listener->serialPortsWereConnected({"ttyUSB1"});
+  rig.ports.listener->serialPortsWereConnected({"ttyUSB2"});
+  ASSERT_EQ(hang->entries().size(), 9999u);
+  EXPECT_EQ(hang->entries().front().title, "0001");
+  EXPECT_EQ(hang->entries().back().title, "9999");
+  EXPECT_EQ(hang->titleOfSelectedItem(), "0042");
+  EXPECT_EQ(power->entries().size(), 96u);
+  EXPECT_EQ(power->entries().back().title, "100w");
+  ui::Control* delay = rig.window.viewWithTag("settingsTab", 0, 2010408);
+  ASSERT_NE(delay, nullptr);
+  ASSERT_EQ(delay->entries().size(), 31u);
+  EXPECT_EQ(delay->entries()[15].title, "0150");
 }
 
 TEST(StartUp, EveryChangeOfTabIsLoggedWhoeverMakesIt) {

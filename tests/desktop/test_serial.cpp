@@ -1,6 +1,7 @@
 // The Qt serial port over a real pseudo-terminal served by tolvane-sim:
-// answers come back, and a far end that goes away is reported once, as a
-// removal, with the port closed and no further callbacks.
+// answers come back; a far end that goes away is reported once, as a
+// removal, with the port closed and no further callbacks, and the window shows
+// it as a close; an I/O error of a device that is still there is an error.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -9,11 +10,13 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <string>
 
 #include "desktop/QtSerial.h"
+#include "support/Harness.h"
 
 namespace tolvane::desktop {
 namespace {
@@ -96,10 +99,63 @@ TEST(QtSerialPortOverPty, TalksToTheSimulatorAndReportsTheFarEndGoingAwayOnce) {
   const int deliveries = r.deliveries;
   waitFor([] { return false; }, 300);
   EXPECT_EQ(r.removed, 1);
-  EXPECT_EQ(r.closed, 0);
   EXPECT_EQ(r.errors, 0);
   EXPECT_EQ(r.deliveries, deliveries);
   EXPECT_FALSE(port.sendData("FA;"));
+}
+
+// The controller on the real port: the window shows the truth of the line.
+TEST(QtSerialPortOverPty, TheWindowShowsAnUnpluggedPortAsClosed) {
+  Simulator sim;
+  ASSERT_FALSE(sim.path.empty());
+  test::Rig rig;
+  auto port = std::make_shared<QtSerialPort>(QString::fromStdString(sim.path));
+  rig.ports.ports.push_back(port);
+  rig.c().refreshPortList();
+  rig.at("PortPopUpButton").choose(1);
+  rig.at("openCloseButton").click();
+  ASSERT_TRUE(port->isOpen());
+  ASSERT_EQ(rig.at("openCloseButton").title(), "Connected");
+  ASSERT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Green);
+
+  sim.stop();
+  ASSERT_TRUE(waitFor([&] { return rig.at("openCloseButton").title() == "Connect"; }, 3000));
+  EXPECT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Red);
+  EXPECT_EQ(rig.sounds.played.back(), "system:Bottle");
+  EXPECT_EQ(rig.c().serialPort(), nullptr);
+  EXPECT_EQ(rig.at("PortPopUpButton").selectedIndex(), -1);
+  EXPECT_FALSE(rig.at("readMemoriesButton").enabled());
+  EXPECT_TRUE(rig.log.lines.empty() || rig.log.lines.back().find("encountered an error") == std::string::npos);
+}
+
+TEST(QtSerialPortOverPty, AnIOErrorOfAnAttachedDeviceIsAnErrorNotARemoval) {
+  Simulator sim;
+  ASSERT_FALSE(sim.path.empty());
+  test::Rig rig;
+  auto port = std::make_shared<QtSerialPort>(QString::fromStdString(sim.path));
+  // The terminal's far end goes away, but its device is taken as still attached.
+  port->setPresenceCheck([] { return true; });
+  rig.ports.ports.push_back(port);
+  rig.c().refreshPortList();
+  rig.at("PortPopUpButton").choose(1);
+  rig.at("openCloseButton").click();
+  ASSERT_TRUE(port->isOpen());
+  rig.at("mainTab").choose(2);
+
+  sim.stop();
+  ASSERT_TRUE(waitFor([&] { return !rig.sounds.played.empty() && rig.sounds.played.back() == "system:Frog"; }, 3000));
+  waitFor([] { return false; }, 200);
+  ASSERT_GE(rig.log.lines.size(), 2u);
+  EXPECT_EQ(rig.log.lines.end()[-2].rfind("Serial Port " + sim.path + " encountered an error: ", 0), 0u)
+      << rig.log.lines.end()[-2];
+  EXPECT_EQ(rig.log.lines.back(), "Connection");
+  EXPECT_EQ(rig.at("mainTab").selectedIndex(), 0);
+  EXPECT_EQ(std::count(rig.sounds.played.begin(), rig.sounds.played.end(), "system:Frog"), 1);
+  EXPECT_EQ(rig.c().serialPort(), port);
+  EXPECT_EQ(rig.at("openCloseButton").title(), "Connected");
+  EXPECT_EQ(std::count(rig.sounds.played.begin(), rig.sounds.played.end(), "system:Bottle"), 0);
+  rig.at("openCloseButton").click();
+  EXPECT_FALSE(port->isOpen());
 }
 
 TEST(QtSerialPortOverPty, CloseReportsOnceAndAReopenWorks) {
@@ -126,6 +182,27 @@ TEST(QtSerialPort, AMissingDeviceReportsAnErrorAndStaysClosed) {
   EXPECT_EQ(r.errors, 1);
   EXPECT_FALSE(r.lastError.empty());
   EXPECT_FALSE(port.isOpen());
+}
+
+TEST(HotPlugBatch, PortsPluggedInTogetherComeAsOneList) {
+  std::vector<std::vector<std::string>> added, removed;
+  HotPlugBatch batch(100, [&](const std::vector<std::string>& a, const std::vector<std::string>& r) {
+    if (!a.empty()) added.push_back(a);
+    if (!r.empty()) removed.push_back(r);
+  });
+  batch.added("ttyUSB0");
+  batch.added("ttyUSB1");
+  batch.added("ttyUSB1");
+  EXPECT_TRUE(added.empty());  // gathered, not yet handed over
+  ASSERT_TRUE(waitFor([&] { return !added.empty(); }, 2000));
+  waitFor([] { return false; }, 200);
+  ASSERT_EQ(added.size(), 1u);
+  EXPECT_EQ(added[0], (std::vector<std::string>{"ttyUSB0", "ttyUSB1"}));
+  batch.removed("ttyUSB0");
+  batch.removed("ttyUSB1");
+  ASSERT_TRUE(waitFor([&] { return !removed.empty(); }, 2000));
+  EXPECT_EQ(removed[0], (std::vector<std::string>{"ttyUSB0", "ttyUSB1"}));
+  EXPECT_EQ(added.size(), 1u);
 }
 
 TEST(QtPortManager, OffersExtraDevicePathsOnlyWhileTheyExist) {

@@ -90,7 +90,10 @@ TEST(Transcript, StartUpPollIsAnsweredInTheFormatsTheProgramReads) {
 }
 
 TEST(Transcript, CommandsSplitAnywhereOrJoinedGiveTheSameAnswers) {
-  const std::string text = std::string(startup::kPollString) + startup::kMemorySlotString +
+  const std::string text = std::string(
+                               "PS;AI1;AI;AG0;IF;OI;VS;SV;MD0;NB0;NR0;PC;FA;FB;VS0;BC0;BI;PA0;BP00;CO00;GT0;RA0;RF0;"
+                               "SF0;SF1;SS00;SS01;SS02;SS03;SS04;SS05;SS06;MS;EX040101;SV;") +
+                           "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;" +
                            "FA014074000;MD03;KM1;EM13;EX010101;EX0101040300;EX010104;MT001;RM1;";
   Bench whole;
   whole.radio.write(text);

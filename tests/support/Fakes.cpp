@@ -105,4 +105,31 @@ void FakeHttp::serve(const std::string& url, platform::HttpResponse response, Du
   answers_[url] = {std::move(response), delay};
 }
 
+std::vector<std::string> FakeFiles::list(const std::string& directory) {
+  std::vector<std::string> out;
+  const std::string prefix = directory + "/";
+  for (const auto& [path, text] : files)
+    if (path.rfind(prefix, 0) == 0 && path.find('/', prefix.size()) == std::string::npos)
+      out.push_back(path.substr(prefix.size()));
+  return out;  // a map keeps them sorted
+}
+
+bool FakeFiles::write(const std::string& path, const std::string& text, std::string& error) {
+  if (failWrites) {
+    error = "No space left on device";
+    return false;
+  }
+  files[path] = text;
+  return true;
+}
+
+std::optional<std::string> FakeFiles::read(const std::string& path, std::string& error) {
+  auto it = files.find(path);
+  if (it == files.end()) {
+    error = "No such file or directory";
+    return std::nullopt;
+  }
+  return it->second;
+}
+
 }  // namespace tolvane::test

@@ -150,4 +150,30 @@ class FakeLog : public platform::ConsoleLog {
   std::vector<std::string> lines;
 };
 
+// Files in memory: path -> content; the choosers answer with the path a test sets.
+class FakeFiles : public platform::Files {
+ public:
+  std::string dataDirectory() override { return "/data/Tolvane"; }
+  std::string timestamp() override { return stamp; }
+  std::vector<std::string> list(const std::string& directory) override;
+  bool write(const std::string& path, const std::string& text, std::string& error) override;
+  std::optional<std::string> read(const std::string& path, std::string& error) override;
+  bool remove(const std::string& path) override { return files.erase(path) > 0; }
+  std::optional<std::string> chooseSavePath(const std::string& title, const std::string&) override {
+    titles.push_back(title);
+    return chosen;
+  }
+  std::optional<std::string> chooseOpenPath(const std::string& title, const std::string& directory) override {
+    titles.push_back(title);
+    openedIn = directory;
+    return chosen;
+  }
+  std::map<std::string, std::string> files;
+  std::string stamp = "2026-11-23-140000";
+  std::optional<std::string> chosen;  // what the next chooser returns (nothing: cancelled)
+  std::vector<std::string> titles;
+  std::string openedIn;
+  bool failWrites = false;
+};
+
 }  // namespace tolvane::test

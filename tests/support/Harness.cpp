@@ -8,6 +8,7 @@ Rig::Rig() {
   controller = std::make_unique<SerialPortDemoController>(
       platform::Services{ports, scheduler, settings, speech, sounds, notifications, http, browser, alerts, log},
       window);
+  controller->setFiles(&files);
   controller->awakeFromNib();
   controller->applicationDidFinishLaunching();
 }

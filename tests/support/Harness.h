@@ -20,6 +20,7 @@ struct Rig {
   FakeBrowser browser;
   FakeAlerts alerts;
   FakeLog log;
+  FakeFiles files;
   ui::Window window;
   std::shared_ptr<FakeSerialPort> port = std::make_shared<FakeSerialPort>("ttyUSB0", "USB Serial", &scheduler);
   std::unique_ptr<SerialPortDemoController> controller;
