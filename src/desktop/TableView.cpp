@@ -35,7 +35,10 @@ void TableModel::fetch() {
 
 bool TableModel::refresh() {
   if (busy_) {
-    deferRefresh();
+    // Taken once the call to the data source has returned. Re-arming a timer
+    // here instead would spin for as long as the call lasts (a modal alert
+    // shown by an edit keeps it open).
+    deferred_ = true;
     return false;
   }
   // Before the first reload the model still shows what the source has.
@@ -44,13 +47,12 @@ bool TableModel::refresh() {
   return true;
 }
 
-void TableModel::deferRefresh() {
-  if (deferred_) return;
-  deferred_ = true;
-  QTimer::singleShot(0, this, [this] {
-    deferred_ = false;
-    refresh();
-  });
+void TableModel::endCall() {
+  busy_ = false;
+  if (!deferred_) return;
+  deferred_ = false;
+  // Not inside setData or a drop: the view is still using the old rows there.
+  QTimer::singleShot(0, this, [this] { refresh(); });
 }
 
 const ui::Cell* TableModel::cell(int row, int column) const {
@@ -68,7 +70,7 @@ void TableModel::choose(int row, int column, int index) {
   const std::string id = table_.columns()[static_cast<std::size_t>(column)].identifier;
   busy_ = true;
   const bool chosen = ui::chooseInCell(table_, id, row, index);
-  busy_ = false;
+  endCall();
   if (chosen) cells[static_cast<std::size_t>(column)]->selected = index;
 }
 
@@ -134,7 +136,7 @@ bool TableModel::setData(const QModelIndex& index, const QVariant& value, int ro
   if (typed == c->text) return false;
   busy_ = true;
   ui::editCell(table_, index.row(), index.column(), typed);
-  busy_ = false;
+  endCall();
   // Until the next reload the cell shows what was typed.
   auto& kept = cells_[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
   if (kept) kept->text = typed;
@@ -173,7 +175,7 @@ bool TableModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int 
   if (!canDropMimeData(data, action, row, column, parent)) return false;
   busy_ = true;
   const bool moved = ui::dropText(table_, data->text().toStdString(), *dropRow(row, parent), ui::DropPosition::Above);
-  busy_ = false;
+  endCall();
   if (moved) refresh();
   return moved;
 }

@@ -55,15 +55,16 @@ class TableModel : public QAbstractTableModel {
 
  private:
   void fetch();
-  void deferRefresh();
+  // Leaves a call to the data source, taking a reload it asked for.
+  void endCall();
   // The drop position of the shared mechanism, or nothing for a drop onto a row.
   std::optional<int> dropRow(int row, const QModelIndex& parent) const;
 
   ui::Control& table_;
   unsigned seenReloads_ = 0;
   std::size_t seenColumns_ = 0;
-  bool busy_ = false;  // inside a call to the data source
-  bool deferred_ = false;
+  bool busy_ = false;                                        // inside a call to the data source
+  bool deferred_ = false;                                    // a reload was asked for during that call
   std::vector<std::vector<std::optional<ui::Cell>>> cells_;  // [row][column]
 };
 

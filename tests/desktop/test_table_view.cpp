@@ -6,9 +6,11 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDragEnterEvent>
+#include <QEventLoop>
 #include <QHeaderView>
 #include <QMimeData>
 #include <QTest>
+#include <QTimer>
 
 #include "desktop/MainWindow.h"
 #include "desktop/TableView.h"
@@ -109,6 +111,93 @@ TEST_F(TableViewTest, CellsHeadersAndPopUpsReachTheList) {
   auto* first = qobject_cast<QComboBox*>(view->indexWidget(m->index(0, 3)));
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(first->currentIndex(), 12);
+}
+
+TEST_F(TableViewTest, LeavingAnEditorWithoutTypingChangesNothing) {
+  auto& list = rig.c().tlMemArray;
+  list[7] = MemoryRecord{"", "4", "KEEP"};  // no frequency: the cell shows nothing
+  rig.at("memoriesTable").reloadData();
+  QCoreApplication::processEvents();
+  for (int column : {2, 4}) {
+    const QModelIndex cell = view->model()->index(7, column);
+    view->setCurrentIndex(cell);
+    view->edit(cell);
+    QCoreApplication::processEvents();
+    QWidget* editor = QApplication::focusWidget();
+    ASSERT_NE(editor, nullptr);
+    ASSERT_NE(editor, view);
+    // Focus leaves the editor (a click elsewhere): the view commits what it holds.
+    view->setFocus();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(list[7], (MemoryRecord{"", "4", "KEEP"})) << column;
+  }
+  EXPECT_TRUE(rig.alerts.shown.empty());
+}
+
+TEST_F(TableViewTest, TheWindowStaysIdleWhileTheFrequencyAlertIsOpen) {
+  // The alert's own loop runs for 300 ms; count what the table's model is
+  // handed meanwhile (a busy refresh loop shows up as hundreds of events).
+  struct Counter : QObject {
+    int events = 0;
+    bool eventFilter(QObject*, QEvent*) override {
+      ++events;
+      return false;
+    }
+  } counter;
+  int during = -1;
+  rig.alerts.whileShown = [&](const platform::Alert&) {
+    view->model()->installEventFilter(&counter);
+    QEventLoop loop;
+    QTimer::singleShot(300, &loop, &QEventLoop::quit);
+    loop.exec();
+    view->model()->removeEventFilter(&counter);
+    during = counter.events;
+  };
+  QAbstractItemModel* m = view->model();
+  ASSERT_TRUE(m->setData(m->index(2, 2), QStringLiteral("99")));
+  ASSERT_EQ(rig.alerts.shown.size(), 1u);
+  EXPECT_EQ(rig.alerts.shown[0].message, "Frequency must be in MHz and less than 75.0\n\nExample: 14.235");
+  EXPECT_GE(during, 0);
+  EXPECT_LT(during, 10);
+  // The refused entry still reaches the window once the alert is gone.
+  QCoreApplication::processEvents();
+  EXPECT_EQ(shown(2, 2), "");
+  EXPECT_EQ(shown(2, 4), "C");
+}
+
+TEST_F(TableViewTest, DuringAReadTheCellsAreNotEditableAndComeBackAfterIt) {
+  rig.openPort();
+  rig.at("readMemoriesButton").click();
+  QCoreApplication::processEvents();
+  QAbstractItemModel* m = view->model();
+  const QModelIndex freq = m->index(2, 2);
+  EXPECT_FALSE(m->flags(freq) & Qt::ItemIsEditable);
+  EXPECT_FALSE(m->flags(freq) & Qt::ItemIsDragEnabled);
+  EXPECT_FALSE(m->setData(freq, QStringLiteral("7.2")));
+  EXPECT_EQ(m->data(freq, Qt::ForegroundRole).value<QBrush>().color(),
+            QPalette().brush(QPalette::Disabled, QPalette::Text).color());
+  auto* mode = qobject_cast<QComboBox*>(view->indexWidget(m->index(2, 3)));
+  ASSERT_NE(mode, nullptr);
+  EXPECT_FALSE(mode->isEnabled());
+  QHeaderView* header = view->horizontalHeader();
+  QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
+                    QPoint(header->sectionViewportPosition(4) + 10, header->height() / 2));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(rig.at("memoriesTable").sortColumn(), "");
+  EXPECT_FALSE(drag(1, 4, 2));
+
+  // The radio answers every channel as empty: the read ends and the table is live again.
+  for (std::size_t i = 0; i < rig.port->writes().size(); ++i)
+    if (rig.port->writes()[i].bytes.rfind("MT0", 0) == 0) rig.receive("?;");
+  ASSERT_EQ(rig.c().tlMemRead, "0");
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(m->flags(freq) & Qt::ItemIsEditable);
+  EXPECT_TRUE(m->flags(freq) & Qt::ItemIsDragEnabled);
+  mode = qobject_cast<QComboBox*>(view->indexWidget(m->index(2, 3)));
+  ASSERT_NE(mode, nullptr);
+  EXPECT_TRUE(mode->isEnabled());
+  EXPECT_TRUE(m->setData(freq, QStringLiteral("7.2")));
+  EXPECT_EQ(rig.c().tlMemArray[2].frequency, "007200000");
 }
 
 }  // namespace

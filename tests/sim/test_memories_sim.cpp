@@ -14,10 +14,10 @@ namespace {
 struct SimRig : test::Rig {
   std::shared_ptr<sim::SimulatedSerialPort> radio = std::make_shared<sim::SimulatedSerialPort>(scheduler);
 
-  explicit SimRig(bool pacing = false) {
+  explicit SimRig(bool pacing = false, platform::Duration latency = platform::Duration{0}) {
     if (pacing)
       radio = std::make_shared<sim::SimulatedSerialPort>(
-          scheduler, sim::SimulatedSerialPort::Options{false, true, platform::Duration{0}, platform::Duration{1500}});
+          scheduler, sim::SimulatedSerialPort::Options{false, true, latency, platform::Duration{1500}});
     auto& channels = radio->transceiver().state().channels;
     for (auto& ch : channels) ch = sim::Channel{};
     channels[0] = sim::Channel{14074000, '2', "CALLING", "+000000", "000001"};
@@ -74,4 +74,29 @@ TEST(MemoriesWithSimulator, WhatIsWrittenIsWhatTheNextReadFinds) {
   EXPECT_EQ(rig.c().tlMemRead, "0");
   EXPECT_EQ(rig.c().tlMemArray, written);
   EXPECT_EQ(rig.radio->transceiver().state().channels[1].name, "FT8 EIGHTY M");
+}
+
+// A slow radio: each answer waits 10 or 20 ms and then takes its line time; at
+// 20 ms the read runs past the slot query (7 s after the pause). The read
+// still finds exactly the radio's channels.
+TEST(MemoriesWithSimulator, ASlowRadioStillGivesExactlyItsChannels) {
+  for (int ms : {10, 20}) {
+    SCOPED_TRACE(ms);
+    SimRig rig(true, platform::Duration{ms});
+    rig.scheduler.advance(7500ms);
+    if (ms == 20) {
+      EXPECT_EQ(rig.c().tlMemRead, "run");  // still reading when the slot query is due
+    }
+    rig.scheduler.advance(10s);
+    ASSERT_EQ(rig.c().tlMemRead, "0");
+    const auto& list = rig.c().tlMemArray;
+    ASSERT_EQ(list.size(), 99u);
+    EXPECT_EQ(list[0], (MemoryRecord{"014074000", "2", "CALLING"}));
+    EXPECT_EQ(list[1], MemoryRecord{});
+    EXPECT_EQ(list[2], (MemoryRecord{"007074000", "C", " CQ DX"}));
+    for (std::size_t i = 3; i < 99; ++i) EXPECT_EQ(list[i], MemoryRecord{}) << i;
+    // The slot query went out after the read and was answered as slots.
+    EXPECT_EQ(rig.at("tlMemAButton").title(), "  M-01 CALLING");
+    for (const auto& line : rig.log.lines) EXPECT_EQ(line.find("incomplete"), std::string::npos) << line;
+  }
 }

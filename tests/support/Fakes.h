@@ -138,10 +138,13 @@ class FakeAlerts : public platform::Alerts {
  public:
   int run(const platform::Alert& alert) override {
     shown.push_back(alert);
+    if (whileShown) whileShown(alert);
     return answer;
   }
   std::vector<platform::Alert> shown;
   int answer = 0;
+  // Runs while the alert is "open", as a modal alert's own event loop would.
+  std::function<void(const platform::Alert&)> whileShown;
 };
 
 class FakeLog : public platform::ConsoleLog {
