@@ -112,6 +112,7 @@ void SerialPortDemoController::wireActions() {
   wire("saveCallButton", &SerialPortDemoController::doCall);
   for (const char* item : {"menuItemPreferencesVoice", "menuItemPreferencesSounds", "menuItemPreferencesIPO"})
     wire(item, &SerialPortDemoController::goMainMenu);
+  wirePlain("menuItemPreferencesConnectAtStart", &SerialPortDemoController::toggleConnectAtStart);
   for (const auto& c : window_.controls()) {
     if (c->kind() == ui::Kind::PopUp && c->tag() >= 2000 && c->tag() <= 2007) {
       c->setAction([this](ui::Control& s) { goSuperPopUp(s); });
@@ -124,6 +125,9 @@ void SerialPortDemoController::applicationDidFinishLaunching() { selectMainTab(0
 void SerialPortDemoController::awakeFromNib() {
   refreshPortList();
   if (tlPortChecked == 0) setUpRoutine();
+  if (ui::Control* item = control("menuItemPreferencesConnectAtStart"))
+    item->setState(sv_.settings.value("connectAtStart").value_or("0") == "1" ? 1 : 0);
+  updateWindowTitle();
   refreshBandConditions();
   // The update notice waits half a second, on the event loop.
   sv_.scheduler.after(500ms, [this] { showUpdateNotice(); });
@@ -236,7 +240,9 @@ void SerialPortDemoController::refreshPortList() {
   ui::Control& popUp = window_.at("PortPopUpButton");
   const std::string chosen = serialPort_ ? serialPort_->description() : popUp.titleOfSelectedItem();
   std::vector<ui::Entry> entries;
-  for (const auto& p : listedPorts_) entries.push_back(ui::Entry{p->description(), 0, "", false});
+  // Ports the user may not open are marked, so the reason is seen before Connect.
+  for (const auto& p : listedPorts_)
+    entries.push_back(ui::Entry{p->description(), 0, p->accessProblem() ? ui::kStatusUnavailable : "", false});
   popUp.setEntries(std::move(entries));
   if (!chosen.empty()) popUp.selectTitle(chosen);
   if (!serialPort_) popUp.selectIndex(-1);
@@ -265,6 +271,7 @@ void SerialPortDemoController::serialPortsWereConnected(const std::vector<std::s
   }
   refreshPortList();
   setUpRoutine();
+  reopenReturnedPort();
 }
 
 void SerialPortDemoController::serialPortsWereDisconnected(const std::vector<std::string>& names) {

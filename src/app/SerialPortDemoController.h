@@ -60,6 +60,16 @@ class SerialPortDemoController : public platform::SerialPortListener,
   // Chooses the port with that title in the port list (closing the previous one).
   bool choosePort(const std::string& title);
 
+  // ---------------------------------------------------------- the port on the desktop (app/PortCare.cpp)
+  void serialPortFailedToOpen(platform::SerialPort& port, const platform::OpenFailure& failure) override;
+  // At start: opens the chosen port when the command line asks for it or the
+  // "Connect at start" preference is on.
+  void startConnection(bool commandLineConnect);
+  void toggleConnectAtStart();
+  void updateWindowTitle();
+  // Whether a port that went away while open is awaited, to be reopened.
+  bool awaitingReturn() const { return reconnectTo_.has_value(); }
+
   // ---------------------------------------------------------- CAT link (cat/)
   void transmit(std::string_view text);
   void send();
@@ -244,6 +254,10 @@ class SerialPortDemoController : public platform::SerialPortListener,
  private:
   void wireActions();
   ui::Control* control(const std::string& outlet) const { return window_.find(outlet); }
+  // Title bar and port status line after a change of the chosen port.
+  void portChosen();
+  void rememberForReconnect(platform::SerialPort& port);
+  void reopenReturnedPort();
 
   void startMemoryWrite();
 
@@ -255,6 +269,14 @@ class SerialPortDemoController : public platform::SerialPortListener,
   cat::ReceiveBuffer receiveBuffer_;
   // The entries each numeric value pop-up had before the set-up routine first filled it.
   std::map<int, std::vector<ui::Entry>> valueListBase_;
+  // Reopening a port unplugged while open: wanted from Connect until the
+  // operator's Disconnect; the device awaited (system name, USB serial number).
+  struct PortIdentity {
+    std::string name, serialNumber;
+  };
+  bool linkOpen_ = false;
+  bool reconnectWanted_ = false;
+  std::optional<PortIdentity> reconnectTo_;
 };
 
 }  // namespace tolvane

@@ -63,6 +63,7 @@ void buildConnectionPage(ui::Window& w, Control& tab) {
   w.addOn(tab, p, "PortPopUpButton", Kind::PopUp);
   popUp(w, tab, p, "BaudPopUpButton", titles({"38400"}));
   button(w, tab, p, "openCloseButton", 0, "Connect");
+  w.addOn(tab, p, "portStatusLabel", Kind::Label);
   w.addOn(tab, p, "sendTextField", Kind::TextField);
   button(w, tab, p, "sendButton", 0, "Send");
   Control& endings = w.addOn(tab, p, "lineEndingPopUpButton", Kind::PopUp);
@@ -239,6 +240,7 @@ void buildWindow(ui::Window& w) {
   w.add("menuItemPreferencesVoice", Kind::MenuItem, 1900).setTitle("Voice guide");
   w.add("menuItemPreferencesSounds", Kind::MenuItem, 1901).setTitle("Sounds");
   w.add("menuItemPreferencesIPO", Kind::MenuItem, 1902).setTitle("IPO with memories");
+  w.add("menuItemPreferencesConnectAtStart", Kind::MenuItem).setTitle("Connect at start");
 }
 
 }  // namespace tolvane

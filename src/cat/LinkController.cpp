@@ -48,10 +48,14 @@ void SerialPortDemoController::setSerialPort(platform::SerialPortPtr port) {
     const std::string title = baud.titleOfSelectedItem();
     if (!title.empty()) serialPort_->setBaudRate(std::stoll(title));
   }
+  portChosen();
 }
 
 void SerialPortDemoController::openOrClosePort() {
   if (!serialPort_) return;
+  // Connect asks for the port back after an unplug; Disconnect does not.
+  reconnectWanted_ = !serialPort_->isOpen();
+  reconnectTo_.reset();
   if (serialPort_->isOpen()) {
     transmit("AI0;");
     serialPort_->close();
@@ -63,7 +67,8 @@ void SerialPortDemoController::openOrClosePort() {
     settings.stopBits = 2;
     settings.rtsCts = true;
     serialPort_->open(settings);
-    window_.at("readMemoriesButton").setEnabled(true);
+    // A port that refused to open leaves reading the memories off.
+    window_.at("readMemoriesButton").setEnabled(serialPort_ && serialPort_->isOpen());
   }
 }
 
@@ -71,6 +76,8 @@ void SerialPortDemoController::serialPortWasOpened(platform::SerialPort& port) {
   ui::Control& button = window_.at("openCloseButton");
   button.setTitle("Connected");
   button.setBezel(ui::Bezel::Green);
+  linkOpen_ = true;
+  portChosen();
   onOpenSequence(port);
 }
 
@@ -79,6 +86,8 @@ void SerialPortDemoController::serialPortWasClosed(platform::SerialPort&) {
   ui::Control& button = window_.at("openCloseButton");
   button.setTitle("Connect");
   button.setBezel(ui::Bezel::Red);
+  linkOpen_ = false;
+  updateWindowTitle();
   playSystemSound("Bottle");
 }
 
@@ -89,6 +98,8 @@ void SerialPortDemoController::serialPortDidReceiveData(platform::SerialPort&, s
 
 void SerialPortDemoController::serialPortWasRemovedFromSystem(platform::SerialPort& port) {
   if (serialPort_.get() != &port) return;
+  rememberForReconnect(port);
+  linkOpen_ = false;
   // The device is gone: nothing can be written to it, but the window shows
   // what a close shows, and no port stays chosen.
   const bool wasConnected = window_.at("openCloseButton").title() == "Connected";
@@ -97,6 +108,7 @@ void SerialPortDemoController::serialPortWasRemovedFromSystem(platform::SerialPo
   receiveBuffer_.clear();
   window_.at("readMemoriesButton").setEnabled(false);
   window_.at("PortPopUpButton").selectIndex(-1);
+  portChosen();
   if (wasConnected) serialPortWasClosed(port);
 }
 
@@ -111,6 +123,7 @@ void SerialPortDemoController::forgetVanishedPort(const std::vector<std::string>
       serialPort_.reset();
       receiveBuffer_.clear();
       window_.at("PortPopUpButton").selectIndex(-1);
+      portChosen();
     }
     return;
   }

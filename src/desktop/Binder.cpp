@@ -52,16 +52,19 @@ QString fromOutlet(const std::string& outlet) {
 
 QIcon statusIcon(const std::string& image) {
   if (image.empty()) return {};
-  static QIcon available, partial;
+  static QIcon available, partial, unavailable;
   const bool isPartial = image == ui::kStatusPartiallyAvailable;
-  QIcon& icon = isPartial ? partial : available;
+  const bool isUnavailable = image == ui::kStatusUnavailable;
+  QIcon& icon = isPartial ? partial : isUnavailable ? unavailable : available;
   if (icon.isNull()) {
     QPixmap pm(12, 12);
     pm.fill(Qt::transparent);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(Qt::NoPen);
-    p.setBrush(isPartial ? QColor(0xE3, 0xA0, 0x08) : QColor(0x1E, 0x8E, 0x3E));
+    p.setBrush(isPartial       ? QColor(0xE3, 0xA0, 0x08)
+               : isUnavailable ? QColor(0xC6, 0x28, 0x28)
+                               : QColor(0x1E, 0x8E, 0x3E));
     p.drawEllipse(1, 1, 10, 10);
     icon = QIcon(pm);
   }
@@ -140,6 +143,10 @@ class EntryListModel : public QAbstractListModel {
         return q(e.title);
       case Qt::DecorationRole:
         return e.image.empty() ? QVariant() : QVariant(statusIcon(e.image));
+      case Qt::ToolTipRole:
+      case Qt::AccessibleDescriptionRole:
+        // A marked port is one the user may not open; the colour alone does not say so.
+        return e.image == ui::kStatusUnavailable ? QVariant(QStringLiteral("You may not open this port")) : QVariant();
       case Qt::UserRole + 1:
         return q(e.image);
       case Qt::UserRole + 2:

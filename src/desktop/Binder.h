@@ -42,6 +42,7 @@ class Binder : public QObject {
   // The menu action of a menu-item control.
   QAction* action(const std::string& outlet) const;
   const ui::Window& model() const { return model_; }
+  ui::Window& model() { return model_; }
 
   // Paints every widget from its control again (after the window is laid out).
   void repaintAll();

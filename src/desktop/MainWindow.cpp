@@ -49,7 +49,9 @@ std::vector<std::string> range(const std::string& prefix, int from, int to, cons
 }  // namespace
 
 MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), binder_(binder) {
-  setWindowTitle(QStringLiteral("Tolvane"));
+  // The title bar names the chosen port and whether it is connected.
+  setWindowTitle(QString::fromStdString(binder_.model().title()));
+  binder_.model().setTitleObserver([this](const std::string& title) { setWindowTitle(QString::fromStdString(title)); });
   setMinimumSize(960, 640);
   resize(1440, 880);
 
@@ -170,6 +172,15 @@ void MainWindow::buildConnectionPage(QWidget* page) {
     if (QWidget* w = take(o)) buttons->addWidget(w);
   buttons->addStretch();
   form->addRow(QString(), buttons);
+  // Why the port did not open, and the command that fixes it: wrapped, and
+  // selectable so the command can be copied.
+  if (auto* status = qobject_cast<QLabel*>(take("portStatusLabel"))) {
+    status->setWordWrap(true);
+    status->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    status->setMaximumWidth(640);
+    status->setAccessibleName(QStringLiteral("Port status"));
+    form->addRow(QString(), status);
+  }
   if (QWidget* connect = binder_.widget("openCloseButton")) connect->setMinimumWidth(140);
   v->addWidget(link);
 

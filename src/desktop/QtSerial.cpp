@@ -1,9 +1,17 @@
 #include "desktop/QtSerial.h"
 
+#include <grp.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSerialPortInfo>
 #include <QTimer>
 #include <algorithm>
+#include <cerrno>
 #include <future>
 #include <set>
 
@@ -50,10 +58,11 @@ void QtSerialPort::open(const platform::SerialSettings& s) {
   port_.setStopBits(s.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   port_.setFlowControl(s.rtsCts ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
   ioErrorReported_ = false;
+  serialNumber();  // kept for recognising the device if it is unplugged and comes back
   if (!port_.open(QIODevice::ReadWrite)) {
-    const std::string error = port_.errorString().toStdString();
+    const platform::OpenFailure failure = explainFailure(port_.error(), port_.errorString());
     port_.clearError();
-    if (listener_) listener_->serialPortDidEncounterError(*this, error);
+    if (listener_) listener_->serialPortFailedToOpen(*this, failure);
     return;
   }
   if (listener_) listener_->serialPortWasOpened(*this);
@@ -75,6 +84,105 @@ bool QtSerialPort::devicePresent() const {
   if (present_) return present_();
   const QString path = location_.startsWith(QLatin1Char('/')) ? location_ : QStringLiteral("/dev/") + location_;
   return QFileInfo::exists(path);
+}
+
+QString QtSerialPort::devicePath() const {
+  return location_.startsWith(QLatin1Char('/')) ? location_ : QStringLiteral("/dev/") + location_;
+}
+
+std::string QtSerialPort::serialNumber() const {
+  if (serial_.empty()) {
+    const QSerialPortInfo info(location_.startsWith(QLatin1Char('/')) ? QFileInfo(location_).canonicalFilePath()
+                                                                      : location_);
+    serial_ = info.serialNumber().toStdString();
+  }
+  return serial_;
+}
+
+std::optional<platform::OpenFailure> QtSerialPort::accessProblem() const { return permissionProblem(devicePath()); }
+
+platform::OpenFailure QtSerialPort::explainFailure(QSerialPort::SerialPortError error, const QString& text) const {
+  const QString path = devicePath();
+  if (error == QSerialPort::DeviceNotFoundError || !QFileInfo::exists(path)) {
+    platform::OpenFailure f;
+    f.reason = platform::OpenFailure::Reason::Missing;
+    f.device = path.toStdString();
+    f.detail = text.toStdString();
+    return f;
+  }
+  if (auto denied = permissionProblem(path)) {
+    denied->detail = text.toStdString();
+    return *denied;
+  }
+  platform::OpenFailure f;
+  f.device = path.toStdString();
+  f.detail = text.toStdString();
+  // The user may open the device, so a refusal means someone has it: the
+  // serial lock, or the exclusive mode a program sets on an open terminal.
+  if (error == QSerialPort::PermissionError) {
+    f.reason = platform::OpenFailure::Reason::Busy;
+    f.holder = deviceHolder(path);
+  }
+  return f;
+}
+
+std::optional<platform::OpenFailure> permissionProblem(const QString& devicePath) {
+  const QByteArray path = QFile::encodeName(devicePath);
+  if (::access(path.constData(), R_OK | W_OK) == 0 || errno != EACCES) return std::nullopt;
+  platform::OpenFailure f;
+  f.reason = platform::OpenFailure::Reason::PermissionDenied;
+  f.device = devicePath.toStdString();
+  struct stat st {};
+  if (::stat(path.constData(), &st) == 0) {
+    if (const struct group* g = ::getgrgid(st.st_gid)) f.group = g->gr_name;
+  }
+  if (const struct passwd* pw = ::getpwuid(::geteuid())) f.user = pw->pw_name;
+  return f;
+}
+
+namespace {
+
+std::string processName(qint64 pid) {
+  QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
+  if (!comm.open(QIODevice::ReadOnly)) return {};
+  const QByteArray name = comm.readAll().trimmed();
+  if (name.isEmpty()) return {};
+  return name.toStdString() + " (process " + std::to_string(pid) + ")";
+}
+
+}  // namespace
+
+std::string deviceHolder(const QString& devicePath) {
+  const QString target = QFileInfo(devicePath).canonicalFilePath();
+  if (target.isEmpty()) return {};
+  // Processes with the device among their open files (the user's own; others'
+  // are hidden unless the program runs with more rights).
+  const QDir proc(QStringLiteral("/proc"));
+  for (const QString& entry : proc.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    bool isPid = false;
+    const qint64 pid = entry.toLongLong(&isPid);
+    if (!isPid) continue;
+    const QDir fds(QStringLiteral("/proc/%1/fd").arg(pid));
+    for (const QString& fd : fds.entryList(QDir::System | QDir::NoDotAndDotDot)) {
+      if (QFile::symLinkTarget(fds.filePath(fd)) == target) {
+        const std::string name = processName(pid);
+        if (!name.empty()) return name;
+      }
+    }
+  }
+  // A serial lock file names its owner's process on its first line.
+  const QString lockName = QStringLiteral("LCK..") + QFileInfo(target).fileName();
+  for (const QString& dir : {QStringLiteral("/var/lock"), QStringLiteral("/run/lock"), QStringLiteral("/tmp")}) {
+    QFile lock(dir + QLatin1Char('/') + lockName);
+    if (!lock.open(QIODevice::ReadOnly)) continue;
+    bool ok = false;
+    const qint64 pid = lock.readLine().trimmed().toLongLong(&ok);
+    if (ok && pid > 0) {
+      const std::string name = processName(pid);
+      if (!name.empty()) return name;
+    }
+  }
+  return {};
 }
 
 void QtSerialPort::readAvailable() {
@@ -202,7 +310,30 @@ platform::SerialPortPtr QtPortManager::portFor(const QString& location) {
 }
 
 void QtPortManager::addExtraPort(const QString& location) {
-  if (std::find(extra_.begin(), extra_.end(), location) == extra_.end()) extra_.push_back(location);
+  if (std::find(extra_.begin(), extra_.end(), location) != extra_.end()) return;
+  extra_.push_back(location);
+  extraPresent_[location] = QFileInfo::exists(location);
+  if (!extraTimer_) {
+    extraTimer_ = new QTimer(this);
+    extraTimer_->setInterval(500);
+    connect(extraTimer_, &QTimer::timeout, this, [this] { checkExtraPorts(); });
+    extraTimer_->start();
+  }
+}
+
+void QtPortManager::checkExtraPorts() {
+  std::vector<std::string> came, went;
+  for (const QString& e : extra_) {
+    // A link to a terminal that is gone does not exist: exists() follows it.
+    const bool present = QFileInfo::exists(e);
+    bool& was = extraPresent_[e];
+    if (present == was) continue;
+    was = present;
+    (present ? came : went).push_back(e.toStdString());
+  }
+  if (!listener_) return;
+  if (!went.empty()) listener_->serialPortsWereDisconnected(went);
+  if (!came.empty()) listener_->serialPortsWereConnected(came);
 }
 
 std::vector<platform::SerialPortPtr> QtPortManager::availablePorts() {

@@ -4,9 +4,11 @@
 
 #include <QObject>
 #include <QSerialPort>
+#include <QTimer>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,7 +43,14 @@ class QtSerialPort : public QObject, public platform::SerialPort {
   void setPresenceCheck(std::function<bool()> check) { present_ = std::move(check); }
   bool devicePresent() const;
 
+  std::string serialNumber() const override;
+  std::optional<platform::OpenFailure> accessProblem() const override;
+
+  // The device file: a path as given, or /dev/ before a system name.
+  QString devicePath() const;
+
  private:
+  platform::OpenFailure explainFailure(QSerialPort::SerialPortError error, const QString& text) const;
   void readAvailable();
   void handleError(QSerialPort::SerialPortError error);
 
@@ -49,6 +58,7 @@ class QtSerialPort : public QObject, public platform::SerialPort {
   QString location_;
   std::string name_;
   std::int64_t baud_ = 38400;
+  mutable std::string serial_;  // read while the device is present, kept after it goes
   platform::SerialPortListener* listener_ = nullptr;
   std::function<bool()> present_;
   bool ioErrorReported_ = false;
@@ -75,6 +85,15 @@ class HotPlugBatch : public QObject {
   std::vector<std::string> added_, removed_;
 };
 
+// Why the user may not open a device file: PermissionDenied naming the
+// device's group and the user, or nothing when reading and writing are allowed.
+std::optional<platform::OpenFailure> permissionProblem(const QString& devicePath);
+
+// The program that holds a device open, as "name (process N)": found among the
+// processes whose open files the system shows, or in a serial lock file; ""
+// when the system cannot tell.
+std::string deviceHolder(const QString& devicePath);
+
 // Lists the system's serial ports (plus any named on the command line) and
 // turns udev add/remove events of the tty subsystem into listener calls.
 class QtPortManager : public QObject, public platform::PortManager {
@@ -94,6 +113,10 @@ class QtPortManager : public QObject, public platform::PortManager {
   void addExtraPort(const QString& location);
   // Whether the udev monitor is running (false where udev is unavailable).
   bool watchingHotPlug() const;
+  // Looks whether extra ports appeared or vanished (a link pointed at a new
+  // terminal, a device path that came back) and reports them as hot-plug
+  // events; runs twice a second while there are extra ports.
+  void checkExtraPorts();
 
  private:
   void deviceEvent(const std::string& action, const std::string& sysname);
@@ -106,6 +129,8 @@ class QtPortManager : public QObject, public platform::PortManager {
   std::map<QString, platform::SerialPortPtr> ports_;
   std::vector<QString> systemNames_;
   std::vector<QString> extra_;
+  std::map<QString, bool> extraPresent_;
+  QTimer* extraTimer_ = nullptr;
   std::unique_ptr<UdevMonitor> monitor_;
   HotPlugBatch batch_;
   platform::PortManagerListener* listener_ = nullptr;

@@ -140,9 +140,8 @@ int main(int argc, char** argv) {
   }
   controller.applicationDidFinishLaunching();
   window.show();
-  if (options.connect) {
-    // Pressing Connect for the operator, once the window is up.
-    QTimer::singleShot(0, &window, [&model] { model.at("openCloseButton").click(); });
-  }
+  // Connecting for the operator, once the window is up: asked by --connect or
+  // by the "Connect at start" preference.
+  QTimer::singleShot(0, &window, [&controller, &options] { controller.startConnection(options.connect); });
   return app->exec();
 }

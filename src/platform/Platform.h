@@ -32,6 +32,17 @@ struct SerialSettings {
 
 class SerialPort;
 
+// Why a port could not be opened, as far as the system can tell.
+struct OpenFailure {
+  enum class Reason { PermissionDenied, Busy, Missing, Other };
+  Reason reason = Reason::Other;
+  std::string device;  // the device path ("/dev/ttyUSB0")
+  std::string group;   // PermissionDenied: the group that may open it ("dialout")
+  std::string user;    // PermissionDenied: the user running the program
+  std::string holder;  // Busy: the program holding it ("fldigi (process 4242)"), "" when unknown
+  std::string detail;  // the system's own words
+};
+
 // Callbacks of an open or opening port. All arrive on the event loop's thread.
 class SerialPortListener {
  public:
@@ -41,6 +52,10 @@ class SerialPortListener {
   virtual void serialPortDidReceiveData(SerialPort& port, std::string_view bytes) = 0;
   virtual void serialPortWasRemovedFromSystem(SerialPort& port) = 0;
   virtual void serialPortDidEncounterError(SerialPort& port, const std::string& error) = 0;
+  // Opening failed; the port stays closed.
+  virtual void serialPortFailedToOpen(SerialPort& port, const OpenFailure& failure) {
+    serialPortDidEncounterError(port, failure.detail);
+  }
 };
 
 class SerialPort {
@@ -58,6 +73,12 @@ class SerialPort {
   // Returns false when the port refuses the write (closed, gone).
   virtual bool sendData(std::string_view bytes) = 0;
   virtual void setListener(SerialPortListener* listener) = 0;
+  // The device's USB serial number, "" when it has none: a device that comes
+  // back under another name is still recognised by it.
+  virtual std::string serialNumber() const { return {}; }
+  // Why opening would fail for lack of permission, checked without opening;
+  // nothing when the user may open it.
+  virtual std::optional<OpenFailure> accessProblem() const { return std::nullopt; }
 };
 
 using SerialPortPtr = std::shared_ptr<SerialPort>;

@@ -49,6 +49,7 @@ struct Column {
 // Names of the status images a pop-up entry can carry.
 inline constexpr const char* kStatusAvailable = "NSStatusAvailable";
 inline constexpr const char* kStatusPartiallyAvailable = "NSStatusPartiallyAvailable";
+inline constexpr const char* kStatusUnavailable = "NSStatusUnavailable";
 
 class Control {
  public:
@@ -189,7 +190,18 @@ class Window {
   std::vector<Control*> onPage(const std::string& tabOutlet, int page) const;
   const std::vector<std::unique_ptr<Control>>& controls() const { return controls_; }
 
+  // The window's title bar; the observer hears every change.
+  const std::string& title() const { return title_; }
+  void setTitle(const std::string& title) {
+    if (title == title_) return;
+    title_ = title;
+    if (titleObserver_) titleObserver_(title_);
+  }
+  void setTitleObserver(std::function<void(const std::string&)> observer) { titleObserver_ = std::move(observer); }
+
  private:
+  std::string title_ = "Tolvane";
+  std::function<void(const std::string&)> titleObserver_;
   std::vector<std::unique_ptr<Control>> controls_;
   std::map<std::string, Control*> byOutlet_;
 };

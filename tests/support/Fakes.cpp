@@ -33,6 +33,10 @@ void FakeScheduler::runAll() {
 
 void FakeSerialPort::open(const platform::SerialSettings& settings) {
   lastSettings = settings;
+  if (refuseOpen) {
+    if (listener_) listener_->serialPortFailedToOpen(*this, *refuseOpen);
+    return;
+  }
   open_ = true;
   if (listener_) listener_->serialPortWasOpened(*this);
 }

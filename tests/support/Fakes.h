@@ -56,6 +56,14 @@ class FakeSerialPort : public platform::SerialPort {
   void close() override;
   bool sendData(std::string_view bytes) override;
   void setListener(platform::SerialPortListener* listener) override { listener_ = listener; }
+  std::string serialNumber() const override { return serial; }
+  std::optional<platform::OpenFailure> accessProblem() const override { return noAccess; }
+
+  // Test side: the device's serial number, a permission the user lacks, an
+  // open that the system refuses.
+  std::string serial;
+  std::optional<platform::OpenFailure> noAccess;
+  std::optional<platform::OpenFailure> refuseOpen;
 
   // Test side: what arrives from the radio, the device going away, an error.
   void deliver(std::string_view bytes);
