@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -194,6 +195,10 @@ class SerialPortDemoController : public platform::SerialPortListener,
   // ---------------------------------------------------------- conditions (conditions/)
   void refreshBandConditions();
   void showLicenseClass(const std::string& megahertz);
+
+  // ---------------------------------------------------------- rig sharing (share/)
+  // Sees every answer of the radio (without its ";") before it is handled.
+  std::function<void(std::string_view)> answerObserver;
 
   // ---------------------------------------------------------- state
   // Link.

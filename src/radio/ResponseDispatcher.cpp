@@ -28,6 +28,7 @@ void SerialPortDemoController::dispatchResponse(std::string_view text) {
       piece = cleaned;
     }
 
+    if (answerObserver) answerObserver(piece);
     if (!piece.empty() && piece[0] == '?' && tlMemRead == "run") memoryReadEmptyChannel();
 
     // Group 1: the first two characters.
