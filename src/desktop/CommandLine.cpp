@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QHostAddress>
 #include <cstdio>
 #include <cstdlib>
 
@@ -20,9 +21,20 @@ Options parseCommandLine(const QStringList& arguments) {
                                 QStringLiteral("NAME"));
   const QCommandLineOption connect(QStringLiteral("connect"), QStringLiteral("Open the selected port at start."));
   const QCommandLineOption list(QStringLiteral("list-ports"), QStringLiteral("Print the available ports and exit."));
+  const QCommandLineOption rigctld(QStringLiteral("rigctld-port"),
+                                   QStringLiteral("Serve the rigctld protocol on TCP port N (0: off)."),
+                                   QStringLiteral("N"));
+  const QCommandLineOption flrig(QStringLiteral("flrig-port"),
+                                 QStringLiteral("Serve flrig XML-RPC on TCP port N (0: off)."), QStringLiteral("N"));
+  const QCommandLineOption shareAddress(QStringLiteral("share-address"),
+                                        QStringLiteral("Listen for sharing clients on ADDR instead of 127.0.0.1."),
+                                        QStringLiteral("ADDR"));
   parser.addOption(port);
   parser.addOption(connect);
   parser.addOption(list);
+  parser.addOption(rigctld);
+  parser.addOption(flrig);
+  parser.addOption(shareAddress);
   if (!parser.parse(arguments)) {
     std::fprintf(stderr, "%s\n\n%s", qPrintable(parser.errorText()), qPrintable(parser.helpText()));
     std::exit(2);
@@ -36,6 +48,26 @@ Options parseCommandLine(const QStringList& arguments) {
   o.port = parser.value(port);
   o.connect = parser.isSet(connect);
   o.listPorts = parser.isSet(list);
+  auto portValue = [&parser](const QCommandLineOption& option, const char* name) {
+    if (!parser.isSet(option)) return -1;
+    bool ok = false;
+    const int n = parser.value(option).toInt(&ok);
+    if (!ok || n < 0 || n > 65535) {
+      std::fprintf(stderr, "--%s takes a port number from 0 to 65535, not \"%s\"\n", name,
+                   qPrintable(parser.value(option)));
+      std::exit(2);
+    }
+    return n;
+  };
+  o.rigctldPort = portValue(rigctld, "rigctld-port");
+  o.flrigPort = portValue(flrig, "flrig-port");
+  if (parser.isSet(shareAddress)) {
+    o.shareAddress = parser.value(shareAddress);
+    if (QHostAddress(o.shareAddress).isNull()) {
+      std::fprintf(stderr, "--share-address takes an IP address, not \"%s\"\n", qPrintable(o.shareAddress));
+      std::exit(2);
+    }
+  }
   return o;
 }
 

@@ -10,6 +10,10 @@ struct Options {
   QString port;  // a port title, system name or device path; empty: the saved choice
   bool connect = false;
   bool listPorts = false;
+  // Rig sharing for this run: -1 keeps the preference, 0 turns a server off.
+  int rigctldPort = -1;
+  int flrigPort = -1;
+  QString shareAddress;  // empty keeps the preference
 };
 
 // Parses the arguments; --help and --version print and exit the process.

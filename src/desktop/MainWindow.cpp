@@ -205,6 +205,11 @@ void MainWindow::buildConnectionPage(QWidget* page) {
 
   placeRest(content, "mainTab", kPageConnection, v);
   v->addStretch();
+  connectionLayout_ = v;
+}
+
+void MainWindow::addConnectionSection(QWidget* section) {
+  if (connectionLayout_) connectionLayout_->insertWidget(connectionLayout_->count() - 1, section);
 }
 
 void MainWindow::buildOperatePage(QWidget* page) {

@@ -27,6 +27,8 @@ class MainWindow : public QMainWindow {
   const std::vector<QWidget*>& focusOrder() const { return focusOrder_; }
   // Outlets of the model that have no place in the window (a layout fault).
   std::vector<std::string> unplacedOutlets() const;
+  // Adds a section below the radio link on the Connection page.
+  void addConnectionSection(QWidget* section);
 
  signals:
   // Emitted once, when the window is first painted on screen.
@@ -57,6 +59,7 @@ class MainWindow : public QMainWindow {
   std::set<std::string> placed_;
   std::vector<QWidget*> focusOrder_;
   bool painted_ = false;
+  QBoxLayout* connectionLayout_ = nullptr;
 };
 
 }  // namespace tolvane::desktop

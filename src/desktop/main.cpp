@@ -16,7 +16,10 @@
 #include "desktop/QtSerial.h"
 #include "desktop/QtServices.h"
 #include "desktop/Resources.h"
+#include "desktop/ShareServers.h"
+#include "desktop/SharingPanel.h"
 #include "desktop/SoundPlayer.h"
+#include "share/ControllerRig.h"
 #ifdef TOLVANE_HAVE_SIM
 #include "sim/PortManagerWithSimulator.h"
 #endif
@@ -139,6 +142,25 @@ int main(int argc, char** argv) {
     if (!found) std::fprintf(stderr, "tolvane: no port named %s\n", qPrintable(options.port));
   }
   controller.applicationDidFinishLaunching();
+
+  // Rig sharing: both servers start with the program, on the preferences'
+  // address and ports unless the command line says otherwise for this run.
+  share::ControllerRig sharedRig(controller);
+  desktop::RigctlServer rigctld(sharedRig, share::RigctlOptions{"Tolvane " TOLVANE_VERSION}, log);
+  desktop::FlrigServer flrig(sharedRig, share::FlrigOptions{}, log);
+  desktop::ShareConfig shareConfig = desktop::ShareConfig::load(settings);
+  if (options.rigctldPort >= 0) {
+    shareConfig.rigctldOn = options.rigctldPort > 0;
+    if (options.rigctldPort > 0) shareConfig.rigctldPort = options.rigctldPort;
+  }
+  if (options.flrigPort >= 0) {
+    shareConfig.flrigOn = options.flrigPort > 0;
+    if (options.flrigPort > 0) shareConfig.flrigPort = options.flrigPort;
+  }
+  if (!options.shareAddress.isEmpty()) shareConfig.address = options.shareAddress;
+  window.addConnectionSection(new desktop::SharingPanel({&rigctld, &flrig}));
+  desktop::applyShareConfig(shareConfig, rigctld, flrig);
+
   window.show();
   // Connecting for the operator, once the window is up: asked by --connect or
   // by the "Connect at start" preference.

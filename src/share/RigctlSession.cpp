@@ -114,8 +114,11 @@ class Executor {
   Executor(SharedRig& rig, const RigctlOptions& options) : rig_(rig), options_(options) {}
 
   // Runs one command; false when the session ends with it.
-  bool run(const Command& c, const std::vector<std::string_view>& args, std::string& out) {
-    const RigState s = rig_.state();
+  bool run(const Command& c, char target, const std::vector<std::string_view>& args, std::string& out) {
+    RigState s = rig_.state();
+    // A command for the other side works on it as if it were in use: its
+    // frequency is read and set; the mode and transmit state are the radio's.
+    if (target) s.vfo = target;
     switch (c.op) {
       case Op::GetFreq:
         return value(s.frequency(), out);
@@ -288,6 +291,19 @@ void RigctlSession::line(std::string_view text, std::string& out) {
       return;
     }
     args.clear();
+    // A client that works with VFO names names the side first ("f VFOB");
+    // commands whose own argument is a side keep it.
+    char target = 0;
+    if (c->op != Op::SetVfo && c->op != Op::GetVfoInfo) {
+      std::size_t k = i;
+      while (k < text.size() && blank(text[k])) ++k;
+      std::size_t j = k;
+      while (j < text.size() && !blank(text[j])) ++j;
+      if (j > k && sideNamed(text.substr(k, j - k), 'A')) {
+        target = sideNamed(text.substr(k, j - k), rig_.state().vfo);
+        i = j;
+      }
+    }
     for (int n = 0; n < c->arguments; ++n) {
       while (i < text.size() && blank(text[i])) ++i;
       std::size_t j = i;
@@ -299,7 +315,7 @@ void RigctlSession::line(std::string_view text, std::string& out) {
       args.push_back(text.substr(i, j - i));
       i = j;
     }
-    if (!executor.run(*c, args, out)) {
+    if (!executor.run(*c, target, args, out)) {
       finished_ = true;
       return;
     }
@@ -328,7 +344,7 @@ std::string rigctlStateBlock(const RigctlOptions& options) {
   b += "9999\n9999\n0\n0\n10 20 \n6 12 18 \n";
   // Functions and parameters: none; levels read: the S-meter strength.
   b += "0x0\n0x0\n0x40000000\n0x0\n0x0\n0x0\n";
-  b += "vfo_ops=0x0\nptt_type=0x1\ntargetable_vfo=0x0\n";
+  b += "vfo_ops=0x0\nptt_type=0x1\ntargetable_vfo=0x1\n";
   b += "has_set_vfo=1\nhas_get_vfo=1\nhas_set_freq=1\nhas_get_freq=1\n";
   b += "has_set_conf=0\nhas_get_conf=0\nhas_power2mW=0\nhas_mW2power=0\ntimeout=0\nrig_model=2\n";
   b += "rigctld_version=" + options.version + "\ndone\n";

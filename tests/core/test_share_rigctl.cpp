@@ -111,6 +111,15 @@ TEST_F(Rigctl, WritesBecomeTheRadiosCommands) {
   EXPECT_EQ(rig.sent, "FB003573000;FA003575000;");
 }
 
+TEST_F(Rigctl, ASideNamedFirstIsTheOneReadOrSet) {
+  EXPECT_EQ(ask("f VFOB"), "7040000\n");
+  EXPECT_EQ(ask("f currVFO"), "14074000\n");
+  EXPECT_EQ(ask("F VFOB 7074000"), "RPRT 0\n");
+  EXPECT_EQ(ask("S VFOA 1 VFOB"), "RPRT 0\n");
+  EXPECT_EQ(ask("l VFOA STRENGTH"), "RPRT -11\n");
+  EXPECT_EQ(rig.sent, "FB007074000;ST1;");
+}
+
 TEST_F(Rigctl, BadArgumentsAndUnknownCommandsGetErrors) {
   EXPECT_EQ(ask("F abc"), "RPRT -1\n");
   EXPECT_EQ(ask("F 29999"), "RPRT -1\n");

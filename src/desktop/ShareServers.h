@@ -1,0 +1,132 @@
+// The sockets of rig sharing: a TCP server speaking the rigctld protocol and
+// an HTTP server taking XML-RPC calls, both answering from the shared radio
+// state. They hold no rule of their own: every request goes to src/share/.
+#pragma once
+
+#include <QAbstractHttpServer>
+#include <QDateTime>
+#include <QHostAddress>
+#include <QObject>
+#include <QTcpServer>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "share/FlrigMethods.h"
+#include "share/RigctlSession.h"
+
+class QTcpSocket;
+
+namespace tolvane::desktop {
+
+// A program connected now, as the Connection page lists it.
+struct ShareClient {
+  QString address;  // "127.0.0.1:53422"
+  QDateTime lastCommand;
+};
+
+// What both servers have in common: their listening state and their clients.
+class ShareServer : public QObject {
+  Q_OBJECT
+ public:
+  ShareServer(QString name, platform::ConsoleLog& log, QObject* parent);
+  const QString& name() const { return name_; }
+  // "Listening on 127.0.0.1:4532", "Off", or why it could not start.
+  QString status() const { return status_; }
+  bool listening() const { return listening_; }
+  quint16 port() const { return port_; }
+  std::vector<ShareClient> clients() const;
+
+  // Starts listening (port 0 turns the server off); false with one line on
+  // the console log when the address cannot be had.
+  bool start(const QHostAddress& address, quint16 port);
+  virtual void stop();
+
+  // Bytes a client may leave unread before it is dropped.
+  static constexpr qint64 kMaxUnread = 1 << 20;
+
+ signals:
+  void changed();
+
+ protected:
+  virtual bool listenOn(const QHostAddress& address, quint16 port, QString* error) = 0;
+  void clientConnected(QTcpSocket* socket);
+  void clientHeard(QTcpSocket* socket);
+  void clientGone(QTcpSocket* socket);
+  void dropClient(QTcpSocket* socket, const QString& why);
+  platform::ConsoleLog& log_;
+
+ private:
+  QString name_;
+  QString status_ = QStringLiteral("Off");
+  bool listening_ = false;
+  quint16 port_ = 0;
+  std::map<QTcpSocket*, ShareClient> clients_;
+};
+
+class RigctlServer : public ShareServer {
+  Q_OBJECT
+ public:
+  RigctlServer(share::SharedRig& rig, share::RigctlOptions options, platform::ConsoleLog& log,
+               QObject* parent = nullptr);
+  ~RigctlServer() override;
+  void stop() override;
+
+ protected:
+  bool listenOn(const QHostAddress& address, quint16 port, QString* error) override;
+
+ private:
+  void accept();
+  void read(QTcpSocket* socket);
+
+  share::SharedRig& rig_;
+  share::RigctlOptions options_;
+  QTcpServer server_;
+  std::map<QTcpSocket*, std::unique_ptr<share::RigctlSession>> sessions_;
+};
+
+class FlrigServer : public ShareServer {
+  Q_OBJECT
+ public:
+  // The largest request body taken; a larger request gets "413" and is dropped.
+  static constexpr qint64 kMaxBody = 1 << 20;
+
+  FlrigServer(share::SharedRig& rig, share::FlrigOptions options, platform::ConsoleLog& log, QObject* parent = nullptr);
+  ~FlrigServer() override;
+  void stop() override;
+  void setTransceiverName(const std::string& name) { options_.transceiver = name; }
+
+ protected:
+  bool listenOn(const QHostAddress& address, quint16 port, QString* error) override;
+
+ private:
+  class Http;
+  class Listener;
+  share::SharedRig& rig_;
+  share::FlrigOptions options_;
+  std::unique_ptr<Http> http_;
+};
+
+}  // namespace tolvane::desktop
+
+namespace tolvane::desktop {
+
+// The sharing preferences, kept in the settings store as text.
+struct ShareConfig {
+  bool rigctldOn = true;
+  int rigctldPort = 4532;
+  bool flrigOn = true;
+  int flrigPort = 12345;
+  QString address = QStringLiteral("127.0.0.1");
+  QString transceiver = QStringLiteral("Transceiver");
+
+  static ShareConfig load(const platform::SettingsStore& settings);
+  void save(platform::SettingsStore& settings) const;
+  bool loopbackOnly() const { return QHostAddress(address).isLoopback(); }
+};
+
+// Starts, stops or moves both servers to match the configuration.
+void applyShareConfig(const ShareConfig& config, RigctlServer& rigctld, FlrigServer& flrig);
+
+}  // namespace tolvane::desktop

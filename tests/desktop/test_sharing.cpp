@@ -1,0 +1,247 @@
+// Rig sharing on real sockets of 127.0.0.1: the XML-RPC request reader, the
+// rigctld-protocol server and the XML-RPC server, their log lines, a port
+// already taken, and clients that misbehave.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <algorithm>
+#include <functional>
+
+#include "desktop/ShareServers.h"
+#include "desktop/SharingPanel.h"
+#include "desktop/XmlRpcReader.h"
+#include "support/Fakes.h"
+
+namespace tolvane::desktop {
+namespace {
+
+bool waitFor(const std::function<bool()>& done, int ms = 3000) {
+  QElapsedTimer t;
+  t.start();
+  while (!done() && t.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  return done();
+}
+
+quint16 freePort() {
+  QTcpServer probe;
+  probe.listen(QHostAddress::LocalHost, 0);
+  return probe.serverPort();
+}
+
+struct StateRig : share::SharedRig {
+  share::RigState s;
+  std::string sent;
+  share::RigState state() const override { return s; }
+  bool send(std::string_view commands) override {
+    if (!s.linkOpen) return false;
+    sent += commands;
+    return true;
+  }
+};
+
+TEST(XmlRpcReader, ReadsTheCallsClientsSend) {
+  // As one widespread client sends it, with its malformed naming instruction.
+  const QByteArray first =
+      "<?xml version=\"1.0\"?>\r\n<?clientid=\"hamlib(23197)\"?>\r\n<methodCall><methodName>main.get_version"
+      "</methodName>\r\n</methodCall>\r\n";
+  auto call = readXmlRpcCall(first);
+  ASSERT_TRUE(call);
+  EXPECT_EQ(call->method, "main.get_version");
+  EXPECT_TRUE(call->params.empty());
+
+  call = readXmlRpcCall(
+      "<methodCall><methodName>rig.set_vfoA</methodName><params><param><value><double>7074000.000000</double>"
+      "</value></param><param><value>DATA-U</value></param><param><value><i4>1</i4></value></param>"
+      "<param><value><array><data><value><string>a&amp;b</string></value><value><boolean>1</boolean></value>"
+      "</data></array></value></param></params></methodCall>");
+  ASSERT_TRUE(call);
+  EXPECT_EQ(call->method, "rig.set_vfoA");
+  ASSERT_EQ(call->params.size(), 4u);
+  EXPECT_EQ(call->params[0].kind, share::XmlRpcValue::Kind::Double);
+  EXPECT_EQ(call->params[0].real, 7074000.0);
+  EXPECT_EQ(call->params[1].kind, share::XmlRpcValue::Kind::String);
+  EXPECT_EQ(call->params[1].text, "DATA-U");
+  EXPECT_EQ(call->params[2].integer, 1);
+  ASSERT_EQ(call->params[3].items.size(), 2u);
+  EXPECT_EQ(call->params[3].items[0].text, "a&b");
+  EXPECT_EQ(call->params[3].items[1].kind, share::XmlRpcValue::Kind::Bool);
+}
+
+TEST(XmlRpcReader, RefusesWhatIsNotAMethodCall) {
+  QString error;
+  EXPECT_FALSE(readXmlRpcCall("", &error));
+  EXPECT_FALSE(readXmlRpcCall("<methodCall><methodName>rig.get_vfo</methodName>", &error));
+  EXPECT_FALSE(readXmlRpcCall("<methodResponse/>", &error));
+  EXPECT_EQ(error, "no methodCall");
+  EXPECT_FALSE(readXmlRpcCall("<methodCall><params/></methodCall>", &error));
+  EXPECT_EQ(error, "no methodName");
+  EXPECT_FALSE(readXmlRpcCall(
+      "<methodCall><methodName>x</methodName><params><param><value><i4>twelve</i4></value></param></params>"
+      "</methodCall>"));
+  QByteArray deep = "<methodCall><methodName>x</methodName><params><param>";
+  for (int i = 0; i < 40; ++i) deep += "<value><array><data>";
+  EXPECT_FALSE(readXmlRpcCall(deep));
+}
+
+class Servers : public ::testing::Test {
+ protected:
+  Servers() {
+    rig.s.linkOpen = true;
+    rig.s.freqA = 14074000;
+    rig.s.modeCode = '2';
+  }
+  StateRig rig;
+  test::FakeLog log;
+};
+
+TEST_F(Servers, RigctldAnswersOverTcpAndLogsItsClients) {
+  RigctlServer server(rig, share::RigctlOptions{}, log);
+  const quint16 port = freePort();
+  ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
+  const std::string where = "127.0.0.1:" + std::to_string(port);
+  EXPECT_EQ(log.lines.at(0), "Rig sharing: the rigctld server listens on " + where);
+  EXPECT_EQ(server.status().toStdString(), "Listening on " + where);
+
+  QTcpSocket client;
+  client.connectToHost(QHostAddress::LocalHost, port);
+  ASSERT_TRUE(waitFor([&] { return client.state() == QAbstractSocket::ConnectedState; }));
+  client.write("f\nM CW 0\nm\n");
+  QByteArray got;
+  ASSERT_TRUE(waitFor([&] {
+    got += client.readAll();
+    return got.size() >= 22;
+  }));
+  EXPECT_EQ(got, "14074000\nRPRT 0\nUSB\n2400\n");
+  EXPECT_EQ(rig.sent, "MD03;");
+  ASSERT_EQ(server.clients().size(), 1u);
+  EXPECT_TRUE(server.clients()[0].lastCommand.isValid());
+  const std::string who = server.clients()[0].address.toStdString();
+  EXPECT_EQ(log.lines.at(1), "Rig sharing: rigctld client " + who + " connected");
+
+  SharingPanel panel({&server});
+  panel.refresh();
+  EXPECT_EQ(panel.statusText(0).toStdString(), "Listening on " + where);
+  EXPECT_EQ(panel.clientRows(), 1);
+
+  client.write("q\n");
+  ASSERT_TRUE(waitFor([&] { return server.clients().empty(); }));
+  EXPECT_EQ(log.lines.back(), "Rig sharing: rigctld client " + who + " disconnected");
+}
+
+TEST_F(Servers, PortInUseGivesOneLineAndTheProgramCarriesOn) {
+  QTcpServer other;
+  ASSERT_TRUE(other.listen(QHostAddress::LocalHost, 0));
+  RigctlServer server(rig, share::RigctlOptions{}, log);
+  EXPECT_FALSE(server.start(QHostAddress::LocalHost, other.serverPort()));
+  const std::string where = "127.0.0.1:" + std::to_string(other.serverPort());
+  ASSERT_EQ(log.lines.size(), 1u);
+  EXPECT_EQ(log.lines[0], "Rig sharing: the rigctld server is off: " + where + " is already in use by another program");
+  EXPECT_EQ(server.status().toStdString(), "Off: " + where + " is already in use by another program");
+  EXPECT_FALSE(server.listening());
+}
+
+TEST_F(Servers, ManyClientsGarbageAndAClientThatNeverReads) {
+  RigctlServer server(rig, share::RigctlOptions{}, log);
+  const quint16 port = freePort();
+  ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
+  std::vector<std::unique_ptr<QTcpSocket>> clients;
+  for (int i = 0; i < 64; ++i) {
+    clients.push_back(std::make_unique<QTcpSocket>());
+    clients.back()->connectToHost(QHostAddress::LocalHost, port);
+  }
+  ASSERT_TRUE(waitFor([&] { return server.clients().size() == 64; }, 5000));
+  // One client sends binary garbage and an over-long line, another floods
+  // reads and never takes its answers; the rest are still served.
+  clients[0]->write(QByteArray("\x00\xff\x01\n", 4) + QByteArray(5000, 'x') + "\nf\n");
+  const std::string who = "127.0.0.1:" + std::to_string(clients[1]->localPort());
+  clients[1]->setReadBufferSize(1);
+  QByteArray flood;
+  for (int i = 0; i < 500; ++i) flood += QByteArray(4000, 'f') + "\n";
+  clients[1]->write(flood);
+  QByteArray got0;
+  ASSERT_TRUE(waitFor([&] {
+    got0 += clients[0]->readAll();
+    return got0.size() >= 25;
+  }));
+  EXPECT_EQ(got0, "RPRT -4\nRPRT -1\n14074000\n");
+  for (int i = 2; i < 64; ++i) clients[static_cast<std::size_t>(i)]->write("v\n");
+  int answered = 0;
+  ASSERT_TRUE(waitFor(
+      [&] {
+        answered = 0;
+        for (int i = 2; i < 64; ++i)
+          if (clients[static_cast<std::size_t>(i)]->bytesAvailable() >= 5) ++answered;
+        return answered == 62;
+      },
+      5000));
+  EXPECT_EQ(clients[2]->readAll(), "VFOA\n");
+  ASSERT_TRUE(waitFor([&] { return server.clients().size() == 63; }, 5000));
+  EXPECT_NE(std::find(log.lines.begin(), log.lines.end(),
+                      "Rig sharing: rigctld client " + who + " dropped: it does not read its answers"),
+            log.lines.end())
+      << log.lines.back();
+}
+
+TEST_F(Servers, XmlRpcOverHttp) {
+  FlrigServer server(rig, share::FlrigOptions{}, log);
+  const quint16 port = freePort();
+  ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
+  EXPECT_EQ(log.lines.at(0), "Rig sharing: the flrig XML-RPC server listens on 127.0.0.1:" + std::to_string(port));
+
+  auto post = [port](const QByteArray& body) {
+    QTcpSocket s;
+    s.connectToHost(QHostAddress::LocalHost, port);
+    waitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
+    s.write("POST /RPC2 HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: text/xml\r\nContent-Length: " +
+            QByteArray::number(body.size()) + "\r\n\r\n" + body);
+    QByteArray got;
+    waitFor([&] {
+      got += s.readAll();
+      return got.contains("</methodResponse>\r\n") || s.state() != QAbstractSocket::ConnectedState;
+    });
+    got += s.readAll();
+    return got;
+  };
+  QByteArray answer = post(
+      "<?xml version=\"1.0\"?>\r\n<?clientid=\"hamlib(1)\"?>\r\n<methodCall><methodName>rig.get_vfo"
+      "</methodName>\r\n</methodCall>\r\n");
+  EXPECT_TRUE(answer.startsWith("HTTP/1.1 200 OK\r\n")) << answer.constData();
+  EXPECT_TRUE(answer.endsWith("<value>14074000</value>\r\n</param></params></methodResponse>\r\n"))
+      << answer.constData();
+  answer = post(
+      "<methodCall><methodName>rig.set_ptt</methodName><params><param><value><i4>1</i4></value>"
+      "</param></params></methodCall>");
+  EXPECT_TRUE(answer.endsWith("<value><i4>0</i4></value>\r\n</param></params></methodResponse>\r\n"));
+  EXPECT_EQ(rig.sent, "TX1;");
+  answer = post("<methodCall><methodName>rig.get_vfo</methodName><params>");
+  EXPECT_TRUE(answer.contains("<name>faultCode</name><value><i4>-32700</i4></value>")) << answer.constData();
+  answer = post("<methodCall><methodName>rig.warp</methodName></methodCall>");
+  EXPECT_TRUE(answer.contains("<value>unknown method rig.warp</value>")) << answer.constData();
+}
+
+TEST_F(Servers, XmlRpcDropsARequestOverOneMebibyte) {
+  FlrigServer server(rig, share::FlrigOptions{}, log);
+  const quint16 port = freePort();
+  ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
+  QTcpSocket s;
+  s.connectToHost(QHostAddress::LocalHost, port);
+  ASSERT_TRUE(waitFor([&] { return s.state() == QAbstractSocket::ConnectedState; }));
+  s.write("POST /RPC2 HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 3000000\r\n\r\n");
+  const QByteArray chunk(64 * 1024, 'x');
+  for (int i = 0; i < 40 && s.state() == QAbstractSocket::ConnectedState; ++i) {
+    s.write(chunk);
+    waitFor([&] { return s.bytesToWrite() == 0 || s.state() != QAbstractSocket::ConnectedState; }, 500);
+  }
+  ASSERT_TRUE(waitFor([&] { return s.state() == QAbstractSocket::UnconnectedState; }));
+  bool dropped = false;
+  for (const std::string& line : log.lines)
+    if (line.find("dropped: its request is over 1 MiB") != std::string::npos) dropped = true;
+  EXPECT_TRUE(dropped);
+  EXPECT_TRUE(server.listening());
+}
+
+}  // namespace
+}  // namespace tolvane::desktop
