@@ -86,11 +86,13 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   button(w, tab, p, "tuneButton", 0, "Tune");
   w.addOn(tab, p, "callTextField", Kind::TextField);
   button(w, tab, p, "saveCallButton", 0, "Save call");
-  button(w, tab, p, "licenseClassButton", 0, "").setVisible(false);
+  Control& licence = button(w, tab, p, "licenseClassButton", 0, "");
+  licence.setVisible(false);
+  licence.setDisplayOnly(true);
   Control& meter = w.addOn(tab, p, "sMeter", Kind::LevelIndicator);
   meter.setRange(0, 25);
 
-  for (const BandButton& b : kBandButtons) button(w, tab, p, b.outlet, b.tag, b.title);
+  for (const BandButton& b : kBandButtons) button(w, tab, p, b.outlet, b.tag, b.title).setToggle(true);
 
   // Mode buttons, tags 200..215.
   struct ModeButton {
@@ -106,7 +108,7 @@ void buildOperatePage(ui::Window& w, Control& tab) {
       {"modeDataFMButton", 212, "DATA-FM"}, {"modePSKButton", 213, "PSK"},      {"modeFButton", 214, "Mode F"},
       {"modeZeroButton", 215, "Mode 0"},
   };
-  for (const auto& m : modes) button(w, tab, p, m.outlet, m.tag, m.title);
+  for (const auto& m : modes) button(w, tab, p, m.outlet, m.tag, m.title).setToggle(true);
   popUp(w, tab, p, "modesPopUpButton",
         titles({"LSB", "USB", "CW-U", "FM", "AM", "RTTY-L", "CW-L", "DATA-L", "RTTY-U", "DATA-FM", "FM-N", "DATA-U",
                 "AM-N", "PSK", "Mode F"}));
@@ -125,6 +127,9 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   Control& mute = button(w, tab, p, "muteButton", 610, "Mute");
   mute.setImage("NSImageNameTouchBarAudioOutputVolumeHighTemplate");
   button(w, tab, p, "bkinOffButton", 379, "BK-IN off");
+  for (const char* toggle : {"breakInButton", "nrButton", "nbButton", "dnfButton", "bkinButton", "notchButton",
+                             "contButton", "heldButton", "markerButton", "muteButton"})
+    w.at(toggle).setToggle(true);
 
   // Power and tuning.
   button(w, tab, p, "powerOnButton", 300, "Power on");

@@ -191,8 +191,8 @@ QString accessibleNameFor(const ui::Control& c) {
       {"tlFreqBButton", "VFO B"},
       {"tlMemAButton", "Memory A"},
       {"tlMemBButton", "Memory B"},
-      {"swapAButton", "Copy to A"},
-      {"swapBButton", "Copy to B"},
+      {"swapAButton", "Swap VFOs, then show A"},
+      {"swapBButton", "Swap VFOs, then show B"},
       {"vfoMemoryButton", "VFO or memory"},
       {"freqTextField", "Frequency in megahertz"},
       {"tuneButton", "Tune to frequency"},
@@ -260,7 +260,8 @@ QString accessibleNameFor(const ui::Control& c) {
     return QStringLiteral("Band %1 m").arg(q(o.substr(1, o.size() - 7)));
   if (o == "mgenButton") return QStringLiteral("Band general coverage");
   if (o == "mmwButton") return QStringLiteral("Band medium wave");
-  if (c.kind() == ui::Kind::Button && c.tag() >= 200 && c.tag() <= 215) return QStringLiteral("Mode ") + q(c.title());
+  if (c.kind() == ui::Kind::Button && c.tag() >= 200 && c.tag() <= 215)
+    return c.title().rfind("Mode ", 0) == 0 ? q(c.title()) : QStringLiteral("Mode ") + q(c.title());
   if (o.rfind("scopeColor", 0) == 0 && c.kind() == ui::Kind::Button)
     return QStringLiteral("Scope colour ") + q(c.title());
   if (o.rfind("textMemory", 0) == 0 && c.kind() == ui::Kind::Button)
@@ -325,6 +326,17 @@ void Binder::create(ui::Control& c) {
   QWidget* w = nullptr;
   switch (c.kind()) {
     case ui::Kind::Button: {
+      if (c.displayOnly()) {
+        // Shows a value and does nothing when pressed: a label, which
+        // assistive technologies read as text rather than offer as a button.
+        auto* label = new QLabel;
+        label->setAlignment(Qt::AlignCenter);
+        label->setMargin(4);
+        label->setTextInteractionFlags(Qt::TextSelectableByKeyboard);
+        label->setFocusPolicy(Qt::TabFocus);
+        w = label;
+        break;
+      }
       const bool isCheckBox = c.outlet().find("CheckBox") != std::string::npos;
       QAbstractButton* b =
           isCheckBox ? static_cast<QAbstractButton*>(new QCheckBox) : static_cast<QAbstractButton*>(new QPushButton);
@@ -333,7 +345,11 @@ void Binder::create(ui::Control& c) {
         ctl->click();
         repaint(*ctl);  // a check box shows the model's state, not its own toggle
       });
-      if (auto* pb = qobject_cast<QPushButton*>(b)) pb->setAutoDefault(false);
+      if (auto* pb = qobject_cast<QPushButton*>(b)) {
+        pb->setAutoDefault(false);
+        // A lit toggle is checked, so its state is read out, not only seen.
+        pb->setCheckable(c.isToggle());
+      }
       w = b;
       break;
     }
@@ -458,6 +474,17 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
 
   switch (c.kind()) {
     case ui::Kind::Button: {
+      if (auto* label = qobject_cast<QLabel*>(w)) {
+        const QString colour = bezelColour(c.bezel());
+        label->setText(q(c.title()));
+        label->setAccessibleDescription(q(c.title()));
+        label->setStyleSheet(
+            colour.isEmpty()
+                ? QString()
+                : QStringLiteral("QLabel{background-color:%1;color:white;border-radius:4px;}").arg(colour));
+        w->setProperty("bezel", static_cast<int>(c.bezel()));
+        break;
+      }
       auto* b = static_cast<QAbstractButton*>(w);
       const QString title = q(c.title());
       if (b->text() != title) {
@@ -468,6 +495,18 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
         notifyAccessible(b, QAccessible::DescriptionChanged);
       }
       if (auto* cb = qobject_cast<QCheckBox*>(b)) cb->setChecked(c.state() != 0);
+      if (c.isToggle()) {
+        const bool lit = c.bezel() != ui::Bezel::None;
+        if (b->isChecked() != lit) {
+          b->setChecked(lit);
+          if (QAccessible::isActive()) {
+            QAccessible::State changed;
+            changed.checked = true;
+            QAccessibleStateChangeEvent e(b, changed);
+            QAccessible::updateAccessibility(&e);
+          }
+        }
+      }
       b->setIcon(buttonImage(c.image()));
       const QString colour = bezelColour(c.bezel());
       const QString style = colour.isEmpty() ? QString()

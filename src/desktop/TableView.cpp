@@ -5,6 +5,7 @@
 #include <QMimeData>
 #include <QPalette>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTimer>
 
 namespace tolvane::desktop {
@@ -122,6 +123,9 @@ Qt::ItemFlags TableModel::flags(const QModelIndex& index) const {
   f |= Qt::ItemIsDragEnabled | drop;
   const ui::Cell* c = cell(index.row(), index.column());
   if (c && c->kind == ui::CellKind::Text && c->editable) f |= Qt::ItemIsEditable;
+  // A pop-up cell is edited from the keyboard (and by assistive technologies)
+  // like a text cell: its editor is a list of the pop-up's entries.
+  if (c && c->kind == ui::CellKind::PopUp) f |= Qt::ItemIsEditable;
   return f;
 }
 
@@ -129,6 +133,22 @@ bool TableModel::setData(const QModelIndex& index, const QVariant& value, int ro
   // An invalid value is the view clearing a cell, never the operator typing.
   if (role != Qt::EditRole || !value.isValid() || table_.held()) return false;
   const ui::Cell* c = cell(index.row(), index.column());
+  if (c && c->kind == ui::CellKind::PopUp) {
+    // An entry's index, or its title typed as text (any case).
+    int chosen = -1;
+    if (value.typeId() == QMetaType::Int) {
+      chosen = value.toInt();
+    } else {
+      const QString typed = value.toString().trimmed();
+      for (std::size_t i = 0; i < c->entries.size(); ++i)
+        if (typed.compare(q(c->entries[i].title), Qt::CaseInsensitive) == 0) chosen = static_cast<int>(i);
+    }
+    if (chosen < 0 || chosen >= static_cast<int>(c->entries.size())) return false;
+    choose(index.row(), index.column(), chosen);
+    emit dataChanged(index, index);
+    emit popUpChosen(index.row(), index.column());
+    return true;
+  }
   if (!c || c->kind != ui::CellKind::Text || !c->editable) return false;
   const std::string typed = value.toString().toStdString();
   // An editor left without a change commits the text it was given: that is
@@ -180,8 +200,52 @@ bool TableModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int 
   return moved;
 }
 
+namespace {
+
+// Pop-up cells edit through a list of their entries; other cells as usual.
+class CellDelegate : public QStyledItemDelegate {
+ public:
+  CellDelegate(TableModel& model, QObject* parent) : QStyledItemDelegate(parent), model_(model) {}
+
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    const ui::Cell* c = model_.cell(index.row(), index.column());
+    if (!c || c->kind != ui::CellKind::PopUp) return QStyledItemDelegate::createEditor(parent, option, index);
+    auto* box = new QComboBox(parent);
+    for (const auto& e : c->entries) box->addItem(q(e.title));
+    return box;
+  }
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+    const ui::Cell* c = model_.cell(index.row(), index.column());
+    if (auto* box = qobject_cast<QComboBox*>(editor); box && c && c->kind == ui::CellKind::PopUp) {
+      box->setCurrentIndex(c->selected);
+      return;
+    }
+    QStyledItemDelegate::setEditorData(editor, index);
+  }
+  void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override {
+    const ui::Cell* c = model_.cell(index.row(), index.column());
+    if (auto* box = qobject_cast<QComboBox*>(editor); box && c && c->kind == ui::CellKind::PopUp) {
+      if (box->currentIndex() != c->selected) model->setData(index, QVariant(box->currentIndex()), Qt::EditRole);
+      return;
+    }
+    QStyledItemDelegate::setModelData(editor, model, index);
+  }
+
+ private:
+  TableModel& model_;
+};
+
+}  // namespace
+
 TableView::TableView(ui::Control& table, QWidget* parent) : QTableView(parent), model_(table) {
   setModel(&model_);
+  setItemDelegate(new CellDelegate(model_, this));
+  // A choice made from the keyboard shows in the cell's own pop-up too.
+  connect(&model_, &TableModel::popUpChosen, this, [this](int row, int column) {
+    const ui::Cell* c = model_.cell(row, column);
+    if (auto* box = qobject_cast<QComboBox*>(indexWidget(model_.index(row, column))); box && c)
+      box->setCurrentIndex(c->selected);
+  });
   setObjectName(q(table.outlet()));
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setSelectionMode(QAbstractItemView::SingleSelection);
@@ -263,6 +327,10 @@ void TableView::placeCellControls() {
       if (c->kind == ui::CellKind::PopUp) {
         auto* box = new QComboBox;
         box->setObjectName(q(c->outlet));
+        // "Mode, M-03": what the pop-up sets, and for which row.
+        const ui::Cell* label = model_.cell(r, 0);
+        const QString column = q(model_.control().columns()[static_cast<std::size_t>(col)].title);
+        box->setAccessibleName(label ? column + QStringLiteral(", ") + q(label->text) : column);
         for (const auto& e : c->entries) box->addItem(q(e.title));
         box->setCurrentIndex(c->selected);
         box->setEnabled(!model_.control().held());

@@ -52,6 +52,8 @@ class TableModel : public QAbstractTableModel {
  signals:
   // Emitted after every fetch of the rows.
   void fetched();
+  // A pop-up cell's entry was chosen through the model (keyboard, assistive technologies).
+  void popUpChosen(int row, int column);
 
  private:
   void fetch();

@@ -130,6 +130,14 @@ class Control {
   bool held() const { return held_; }
   void setHeld(bool held);
 
+  // Buttons: a toggle is on while it is lit (any bezel colour), which the
+  // window exposes as a checked state, not only as a colour; a display-only
+  // button shows a value and does nothing when pressed.
+  bool isToggle() const { return toggle_; }
+  void setToggle(bool on) { toggle_ = on; }
+  bool displayOnly() const { return displayOnly_; }
+  void setDisplayOnly(bool on) { displayOnly_ = on; }
+
   void setAction(Action action) { action_ = std::move(action); }
   bool hasAction() const { return static_cast<bool>(action_); }
   void setObserver(Observer observer) { observer_ = std::move(observer); }
@@ -167,6 +175,8 @@ class Control {
   TableDataSource* dataSource_ = nullptr;
   bool dropTarget_ = false;
   bool held_ = false;
+  bool toggle_ = false;
+  bool displayOnly_ = false;
   Action action_;
   Observer observer_;
 };

@@ -2,7 +2,9 @@
 // presses, types and chooses there goes out on the wire exactly.
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -69,12 +71,64 @@ TEST_F(OperatingPanel, ChoosingAMacroSendsIt) {
 }
 
 TEST_F(OperatingPanel, LicenceIndicatorAppearsWithTheReportedFrequency) {
-  QPushButton* indicator = w<QPushButton>("licenseClassButton");
+  QLabel* indicator = w<QLabel>("licenseClassButton");
+  ASSERT_NE(indicator, nullptr);
   EXPECT_FALSE(indicator->isVisibleTo(&window));
   rig.receive("FA014150000;");
   EXPECT_TRUE(indicator->isVisibleTo(&window));
   EXPECT_EQ(indicator->text(), "Extra");
   EXPECT_TRUE(indicator->styleSheet().contains(Binder::bezelColour(ui::Bezel::Pink)));
+}
+
+// What a screen reader finds: toggles with their on/off state, names that say
+// what a control does, the licence class as text, the S-meter's level.
+TEST_F(OperatingPanel, AssistiveTechnologiesReadStatesNamesAndValues) {
+  auto iface = [&](const char* outlet) { return QAccessible::queryAccessibleInterface(binder.widget(outlet)); };
+  for (const char* toggle : {"nrButton", "nbButton", "dnfButton", "notchButton", "contButton", "breakInButton",
+                             "bkinButton", "heldButton", "markerButton", "muteButton", "m20Button", "modeUSBButton"}) {
+    QAccessibleInterface* a = iface(toggle);
+    ASSERT_NE(a, nullptr) << toggle;
+    EXPECT_TRUE(a->state().checkable) << toggle;
+    EXPECT_FALSE(a->state().checked) << toggle;
+  }
+  clickOn("nrButton");
+  EXPECT_TRUE(iface("nrButton")->state().checked);
+  clickOn("nrButton");
+  EXPECT_FALSE(iface("nrButton")->state().checked);
+  clickOn("muteButton");
+  EXPECT_TRUE(iface("muteButton")->state().checked);
+  clickOn("m20Button");
+  EXPECT_TRUE(iface("m20Button")->state().checked);
+  clickOn("m40Button");
+  EXPECT_FALSE(iface("m20Button")->state().checked);
+  EXPECT_TRUE(iface("m40Button")->state().checked);
+  EXPECT_FALSE(iface("powerOnButton")->state().checkable);
+
+  EXPECT_EQ(iface("swapAButton")->text(QAccessible::Name), "Swap VFOs, then show A");
+  EXPECT_EQ(iface("swapBButton")->text(QAccessible::Name), "Swap VFOs, then show B");
+  EXPECT_EQ(iface("modeFButton")->text(QAccessible::Name), "Mode F");
+  EXPECT_EQ(iface("modeUSBButton")->text(QAccessible::Name), "Mode USB");
+  // No name says the same word twice in a row.
+  for (const auto& c : rig.window.controls()) {
+    const QStringList words = accessibleNameFor(*c).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (int i = 1; i < words.size(); ++i) EXPECT_NE(words[i].toLower(), words[i - 1].toLower()) << c->outlet();
+  }
+
+  rig.receive("FA014150000;");
+  QAccessibleInterface* licence = iface("licenseClassButton");
+  EXPECT_EQ(licence->role(), QAccessible::StaticText);
+  EXPECT_EQ(licence->text(QAccessible::Name), "Licence class");
+  EXPECT_EQ(licence->text(QAccessible::Description), "Extra");
+  if (QAccessibleActionInterface* actions = licence->actionInterface()) {
+    EXPECT_FALSE(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
+  }
+
+  rig.at("sMeter").setValue(9);
+  QAccessibleInterface* meter = iface("sMeter");
+  ASSERT_NE(meter->valueInterface(), nullptr);
+  EXPECT_EQ(meter->valueInterface()->currentValue().toInt(), 9);
+  EXPECT_EQ(meter->text(QAccessible::Value), "9");
+  EXPECT_EQ(meter->valueInterface()->maximumValue().toInt(), 25);
 }
 
 }  // namespace

@@ -113,6 +113,31 @@ TEST_F(TableViewTest, CellsHeadersAndPopUpsReachTheList) {
   EXPECT_EQ(first->currentIndex(), 12);
 }
 
+TEST_F(TableViewTest, AModeIsEditableFromTheKeyboardAndThroughTheModel) {
+  QAbstractItemModel* m = view->model();
+  const QModelIndex mode = m->index(2, 3);
+  EXPECT_TRUE(m->flags(mode) & Qt::ItemIsEditable);
+  EXPECT_EQ(m->data(mode, Qt::AccessibleTextRole).toString(), "USB");
+  // Text, as assistive technologies and the keyboard editor hand it over.
+  ASSERT_TRUE(m->setData(mode, QStringLiteral("cw-u")));
+  EXPECT_EQ(rig.c().tlMemArray[2].mode, "3");
+  EXPECT_EQ(shown(2, 3), "CW-U");
+  EXPECT_FALSE(m->setData(mode, QStringLiteral("SSB")));
+  EXPECT_EQ(rig.c().tlMemArray[2].mode, "3");
+  auto* box = qobject_cast<QComboBox*>(view->indexWidget(mode));
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->currentIndex(), 3);
+  EXPECT_EQ(box->accessibleName(), "Mode, M-03");
+
+  // F2 on the cell reaches its pop-up; an arrow key chooses the next mode.
+  view->setFocus();
+  view->setCurrentIndex(mode);
+  QTest::keyClick(view, Qt::Key_F2);
+  ASSERT_EQ(QApplication::focusWidget(), box);
+  QTest::keyClick(box, Qt::Key_Down);
+  EXPECT_EQ(rig.c().tlMemArray[2].mode, "4");
+}
+
 TEST_F(TableViewTest, LeavingAnEditorWithoutTypingChangesNothing) {
   auto& list = rig.c().tlMemArray;
   list[7] = MemoryRecord{"", "4", "KEEP"};  // no frequency: the cell shows nothing
