@@ -68,6 +68,7 @@ std::vector<Transceiver::Watch> Transceiver::watched() const {
         Watch{padded(static_cast<std::uint64_t>(d.channel), 3) + (d.memory ? "1" : "0"), informationAnswer(side)});
   }
   same(std::string("ST") + (s.split ? '1' : '0'));
+  same(std::string("TX") + (s.transmitting ? '1' : '0'));
   same("AG0" + padded(static_cast<std::uint64_t>(s.afGain), 3));
   same("RG0" + padded(static_cast<std::uint64_t>(s.rfGain), 3));
   same(std::string("NB0") + (s.noiseBlanker ? '1' : '0'));
@@ -150,7 +151,8 @@ bool Transceiver::choiceCommand(std::string_view p, const char* head, std::strin
 
 bool Transceiver::handle(std::string_view name, std::string_view p) {
   for (auto feature : {&Transceiver::systemCommand, &Transceiver::tuningCommand, &Transceiver::channelCommand,
-                       &Transceiver::controlCommand, &Transceiver::menuCommand, &Transceiver::messageCommand}) {
+                       &Transceiver::controlCommand, &Transceiver::menuCommand, &Transceiver::messageCommand,
+                       &Transceiver::transmitCommand}) {
     if (const Handled done = (this->*feature)(name, p)) return *done;
   }
   return false;
@@ -175,6 +177,7 @@ Transceiver::Handled Transceiver::systemCommand(std::string_view name, std::stri
 void Transceiver::powerOff() {
   state_.powered = false;
   state_.autoInformation = false;
+  state_.transmitting = false;
   state_.sMeter = 0;
   bootDoneAt_.reset();
   input_.clear();

@@ -61,6 +61,7 @@ struct State {
   std::array<Side, 2> sides{};
   int selected = 0;  // 0 side A, 1 side B
   bool split = false;
+  bool transmitting = false;  // keyed over CAT ("TX1;")
   std::array<Channel, kChannels> channels{};
   std::map<std::string, std::string> menu;  // six digits -> value
   std::array<std::string, 5> keyer;         // CW keyer memories 1..5
@@ -169,12 +170,13 @@ class Transceiver {
   // nothing for a command that is not its own, otherwise whether it was
   // carried out (false is answered with "?;").
   using Handled = std::optional<bool>;
-  Handled systemCommand(std::string_view name, std::string_view p);   // Transceiver.cpp: power, auto-information
-  Handled tuningCommand(std::string_view name, std::string_view p);   // Tuning.cpp: VFOs, modes, bands, split
-  Handled channelCommand(std::string_view name, std::string_view p);  // Channels.cpp: memory channels
-  Handled controlCommand(std::string_view name, std::string_view p);  // Controls.cpp: gains, filters, meters
-  Handled menuCommand(std::string_view name, std::string_view p);     // Menu.cpp: the setup menu
-  Handled messageCommand(std::string_view name, std::string_view p);  // Messages.cpp: keyer and text memories
+  Handled systemCommand(std::string_view name, std::string_view p);    // Transceiver.cpp: power, auto-information
+  Handled tuningCommand(std::string_view name, std::string_view p);    // Tuning.cpp: VFOs, modes, bands, split
+  Handled channelCommand(std::string_view name, std::string_view p);   // Channels.cpp: memory channels
+  Handled controlCommand(std::string_view name, std::string_view p);   // Controls.cpp: gains, filters, meters
+  Handled menuCommand(std::string_view name, std::string_view p);      // Menu.cpp: the setup menu
+  Handled messageCommand(std::string_view name, std::string_view p);   // Messages.cpp: keyer and text memories
+  Handled transmitCommand(std::string_view name, std::string_view p);  // Transmit.cpp: keying over CAT
 
   // Answers to the queries, without ";".
   std::string frequencyAnswer(int side) const;
