@@ -110,11 +110,15 @@ void SerialPortDemoController::wireActions() {
   wirePlain("textMemoryField", &SerialPortDemoController::returnPressedInTextMessageField);
   wire("tuneButton", &SerialPortDemoController::doTune);
   wire("saveCallButton", &SerialPortDemoController::doCall);
+  wirePlain("sendTextMemoryButton", &SerialPortDemoController::sendTextMessage);
   for (const char* item : {"menuItemPreferencesVoice", "menuItemPreferencesSounds", "menuItemPreferencesIPO"})
     wire(item, &SerialPortDemoController::goMainMenu);
   wirePlain("menuItemPreferencesConnectAtStart", &SerialPortDemoController::toggleConnectAtStart);
   for (const auto& c : window_.controls()) {
-    if (c->kind() == ui::Kind::PopUp && c->tag() >= 2000 && c->tag() <= 2007) {
+    const int tag = c->tag();
+    const bool mirrored = tag > 2000000 && tag < 2050000;  // the settings pages' menu items
+    const bool messageWriter = tag >= 3001 && tag <= 3003;
+    if (c->kind() == ui::Kind::PopUp && ((tag >= 2000 && tag <= 2007) || mirrored || messageWriter)) {
       c->setAction([this](ui::Control& s) { goSuperPopUp(s); });
     }
   }

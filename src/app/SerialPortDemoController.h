@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <functional>
 #include <optional>
@@ -144,11 +145,17 @@ class SerialPortDemoController : public platform::SerialPortListener,
 
   // ---------------------------------------------------------- menu mirror (menu/)
   void handleMenuAnswer(std::string_view piece);
+  // Writes the item of a settings-page pop-up; false when the sender is not one.
+  bool writeMenuItem(ui::Control& sender);
 
   // ---------------------------------------------------------- keyer and text messages (keyer/)
   void handleKeyerAnswer(std::string_view piece);
   void handleTextMemoryAnswer(std::string_view piece);
   void setUpMessageBox(char modeCode);
+  // Sends the text of textMemoryField through memory 5 of the current mode.
+  void sendTextMessage();
+  // Writes the text of a memory field into the memory its pop-up (tags 3001..3003) names.
+  bool writeMessageMemory(ui::Control& sender);
 
   // ---------------------------------------------------------- memory channels (memories/)
   void getMemoriesFromRadio();
@@ -258,6 +265,7 @@ class SerialPortDemoController : public platform::SerialPortListener,
 
  private:
   void wireActions();
+  void sendNextFreeTextPiece();
   ui::Control* control(const std::string& outlet) const { return window_.find(outlet); }
   // Title bar and port status line after a change of the chosen port.
   void portChosen();
@@ -282,6 +290,8 @@ class SerialPortDemoController : public platform::SerialPortListener,
   bool linkOpen_ = false;
   bool reconnectWanted_ = false;
   std::optional<PortIdentity> reconnectTo_;
+  // Free-text writes not yet sent, oldest first.
+  std::deque<std::string> freeTextQueue_;
 };
 
 }  // namespace tolvane

@@ -5,6 +5,7 @@
 
 #include "controls/Macros.h"
 #include "memories/MemoriesTable.h"
+#include "menu/MenuTable.h"
 #include "menu/ReadLists.h"
 
 namespace tolvane {
@@ -191,15 +192,6 @@ void buildOperatePage(ui::Window& w, Control& tab) {
         2006);
   popUp(w, tab, p, "powerPopUpButton", {}, 2007);
   popUp(w, tab, p, "macroPopUpButton", controls::macroMenuEntries());
-
-  // Message buttons and the free-text box.
-  w.addOn(tab, p, "sendBox", Kind::Box).setTitle("Keyer / Encoder");
-  for (int i = 1; i <= 5; ++i)
-    button(w, tab, p, "textMemory" + std::to_string(i) + "Button", 600 + i, "M" + std::to_string(i)).setEnabled(false);
-  w.addOn(tab, p, "textMemoryField", Kind::TextField).setEnabled(false);
-  button(w, tab, p, "sendTextMemoryButton", 0, "Send").setEnabled(false);
-  button(w, tab, p, "clearTextMemoryButton", 606, "Clear").setEnabled(false);
-  w.addOn(tab, p, "sentTextMemoryField", Kind::TextView);
 }
 
 void buildMemoriesPage(ui::Window& w, Control& tab) {
@@ -212,23 +204,57 @@ void buildMemoriesPage(ui::Window& w, Control& tab) {
   button(w, tab, p, "restoreMemoriesButton", 0, "Restore backup\u2026");
 }
 
+void buildMessagesPage(ui::Window& w, Control& tab) {
+  const int p = kPageMessages;
+  button(w, tab, p, "readMessagesButton", 2050000, "Read from radio");
+  // The fifteen memories of the radio; each button's title shows the stored text.
+  for (const char* mode : {"cw", "rtty", "psk"})
+    for (int i = 1; i <= 5; ++i) button(w, tab, p, std::string(mode) + "Memory" + std::to_string(i) + "Button", 0, "");
+  // Writing a memory: the text of a field goes into the memory chosen in its
+  // pop-up, whose entry n is memory n (entry 0 is a heading, not a memory).
+  struct Writer {
+    const char* mode;
+    int tag;
+  };
+  for (const Writer& m : {Writer{"cw", 3001}, Writer{"rtty", 3002}, Writer{"psk", 3003}}) {
+    w.addOn(tab, p, std::string(m.mode) + "MemoryField", Kind::TextField);
+    std::vector<Entry> slots{Entry{"Store in\u2026", 0, "", true}};
+    for (int i = 1; i <= 5; ++i) slots.push_back(Entry{"Memory " + std::to_string(i), 0, "", false});
+    popUp(w, tab, p, std::string(m.mode) + "MemoryPopUpButton", std::move(slots), m.tag);
+  }
+
+  // Playing memories and free text, in the current mode.
+  w.addOn(tab, p, "sendBox", Kind::Box).setTitle("Keyer / Encoder");
+  for (int i = 1; i <= 5; ++i)
+    button(w, tab, p, "textMemory" + std::to_string(i) + "Button", 600 + i, "M" + std::to_string(i)).setEnabled(false);
+  w.addOn(tab, p, "textMemoryField", Kind::TextField).setEnabled(false);
+  button(w, tab, p, "sendTextMemoryButton", 0, "Send").setEnabled(false);
+  button(w, tab, p, "clearTextMemoryButton", 606, "Clear").setEnabled(false);
+  w.addOn(tab, p, "sentTextMemoryField", Kind::TextView);
+}
+
 void buildSettingsPage(ui::Window& w, Control& mainTab) {
   Control& settings = w.addOn(mainTab, kPageSettings, "settingsTab", Kind::TabView);
   settings.setEntries(titles({"Radio", "CW", "Transmit", "Display"}));
-  // The numeric value pop-ups of the menu mirror; the set-up routine fills them.
-  struct Numeric {
-    int tag;
-    int page;
-  };
-  static const Numeric numeric[] = {
-      {2010408, 0}, {2010317, 0}, {2010318, 0}, {2010605, 0}, {2020211, 1}, {2020205, 1}, {2030103, 2},
-      {2030401, 2}, {2030402, 2}, {2030403, 2}, {2030404, 2}, {2030406, 2}, {2040104, 3}, {2040105, 3},
-  };
-  for (const auto& n : numeric) w.addOn(settings, n.page, "menu" + std::to_string(n.tag) + "PopUp", Kind::PopUp, n.tag);
   // One read button per page: reads that menu group from the radio.
   for (int group = 1; group <= 4; ++group)
     button(w, settings, group - 1, "readMenuGroup" + std::to_string(group) + "Button", menu::readButtonTag(group),
            "Read from radio");
+  // One control per mirrored menu item, on the page of its group. The numeric
+  // value pop-ups are left empty: the set-up routine fills them.
+  for (const menu::MenuItem& item : menu::menuItems()) {
+    const std::string tag = std::to_string(item.tag());
+    if (item.kind == menu::ValueKind::CallSign) {
+      w.addOn(settings, item.page(), "menu" + tag + "Field", Kind::TextField, item.tag());
+      continue;
+    }
+    Control& c = w.addOn(settings, item.page(), "menu" + tag + "PopUp", Kind::PopUp, item.tag());
+    if (item.filledAtStart) continue;
+    std::vector<Entry> entries;
+    entries.reserve(item.entries.size());
+    for (const std::string& e : item.entries) entries.push_back(Entry{e, 0, "", false});
+    c.setEntries(std::move(entries));
+  }
 }
 
 }  // namespace
@@ -239,6 +265,7 @@ void buildWindow(ui::Window& w) {
   buildConnectionPage(w, mainTab);
   buildOperatePage(w, mainTab);
   buildMemoriesPage(w, mainTab);
+  buildMessagesPage(w, mainTab);
   buildSettingsPage(w, mainTab);
 
   // The Preferences menu.

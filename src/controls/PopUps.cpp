@@ -93,6 +93,7 @@ void SerialPortDemoController::goSuperPopUp(ui::Control& sender) {
   const int tag = sender.tag();
   const int i = sender.selectedIndex();
   if (i < 0) return;
+  if (writeMenuItem(sender) || writeMessageMemory(sender)) return;
 
   if (tag == controls::kAutoPowerOffTag) {
     if (i == 0) {

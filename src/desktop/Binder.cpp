@@ -21,6 +21,7 @@
 #include <cctype>
 
 #include "desktop/TableView.h"
+#include "menu/MenuTable.h"
 
 namespace tolvane::desktop {
 
@@ -52,19 +53,27 @@ QString fromOutlet(const std::string& outlet) {
 
 QIcon statusIcon(const std::string& image) {
   if (image.empty()) return {};
-  static QIcon available, partial, unavailable;
+  static QIcon available, partial, unavailable, reported;
   const bool isPartial = image == ui::kStatusPartiallyAvailable;
   const bool isUnavailable = image == ui::kStatusUnavailable;
-  QIcon& icon = isPartial ? partial : isUnavailable ? unavailable : available;
+  const bool isReported = image == ui::kStatusReported;
+  QIcon& icon = isReported ? reported : isPartial ? partial : isUnavailable ? unavailable : available;
   if (icon.isNull()) {
     QPixmap pm(12, 12);
     pm.fill(Qt::transparent);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(Qt::NoPen);
-    p.setBrush(isPartial       ? QColor(0xE3, 0xA0, 0x08)
-               : isUnavailable ? QColor(0xC6, 0x28, 0x28)
-                               : QColor(0x1E, 0x8E, 0x3E));
+    // A value reported by the radio is drawn as a hollow red ring, an
+    // unavailable port as a filled red dot.
+    if (isReported) {
+      p.setPen(QPen(QColor(0xC0, 0x26, 0x1F), 2));
+      p.setBrush(Qt::NoBrush);
+    } else {
+      p.setBrush(isPartial       ? QColor(0xE3, 0xA0, 0x08)
+                 : isUnavailable ? QColor(0xC6, 0x28, 0x28)
+                                 : QColor(0x1E, 0x8E, 0x3E));
+    }
     p.drawEllipse(1, 1, 10, 10);
     icon = QIcon(pm);
   }
@@ -145,8 +154,12 @@ class EntryListModel : public QAbstractListModel {
         return e.image.empty() ? QVariant() : QVariant(statusIcon(e.image));
       case Qt::ToolTipRole:
       case Qt::AccessibleDescriptionRole:
-        // A marked port is one the user may not open; the colour alone does not say so.
-        return e.image == ui::kStatusUnavailable ? QVariant(QStringLiteral("You may not open this port")) : QVariant();
+        // A marked entry says in words what its colour shows.
+        if (e.image == ui::kStatusUnavailable) return QStringLiteral("You may not open this port");
+        if (e.image == ui::kStatusReported) return QStringLiteral("Reported by the radio; not one of the listed values");
+        if (e.image == ui::kStatusPartiallyAvailable && role == Qt::ToolTipRole)
+          return QStringLiteral("The radio's factory value");
+        return {};
       case Qt::UserRole + 1:
         return q(e.image);
       case Qt::UserRole + 2:
@@ -266,7 +279,21 @@ QString accessibleNameFor(const ui::Control& c) {
     return QStringLiteral("Scope colour ") + q(c.title());
   if (o.rfind("textMemory", 0) == 0 && c.kind() == ui::Kind::Button)
     return QStringLiteral("Message ") + q(o.substr(10, o.size() - 16));
-  // Menu items of the radio: tag 2GGSSII -> "Menu GG-SS-II".
+  // The message memories: "CW memory 3", "RTTY memory text", "Store PSK memory".
+  for (const auto& [prefix, name] :
+       {std::pair{"cwMemory", "CW"}, std::pair{"rttyMemory", "RTTY"}, std::pair{"pskMemory", "PSK"}}) {
+    const std::string p(prefix);
+    if (o.rfind(p, 0) != 0) continue;
+    const std::string rest = o.substr(p.size());
+    if (rest == "Field") return QStringLiteral("%1 memory text").arg(QLatin1String(name));
+    if (rest == "PopUpButton") return QStringLiteral("Store %1 memory").arg(QLatin1String(name));
+    if (rest.size() == 7 && rest.compare(1, 6, "Button") == 0)
+      return QStringLiteral("%1 memory %2").arg(QLatin1String(name), QChar(rest[0]));
+  }
+  if (o == "readMessagesButton") return QStringLiteral("Read messages from radio");
+  // Menu items of the radio: their label, "Menu GG-SS-II" by default.
+  if (const menu::MenuItem* item = menu::menuItemWithTag(c.tag()); item && o.rfind("menu", 0) == 0)
+    return q(item->label);
   if (o.rfind("menu", 0) == 0 && c.tag() >= 2000000 && c.tag() < 3000000) {
     const int t = c.tag() - 2000000;
     return QStringLiteral("Menu %1-%2-%3")
@@ -294,6 +321,8 @@ QString Binder::bezelColour(ui::Bezel bezel) {
       return QStringLiteral("#b8306e");
     case ui::Bezel::Brown:
       return QStringLiteral("#7a4a26");
+    case ui::Bezel::DarkGray:
+      return QStringLiteral("#555555");
     case ui::Bezel::None:
       break;
   }
@@ -305,6 +334,17 @@ Binder::Binder(ui::Window& model, QObject* parent) : QObject(parent), model_(mod
   for (const auto& c : model_.controls()) repaint(*c);
 }
 
+bool Binder::deferred(const ui::Control& c) {
+  // Controls on the pages of a tab view inside a page (the settings pages)
+  // are many and rarely all seen: they are made when first asked for.
+  return c.tabView() && c.tabView()->tabView() && c.kind() != ui::Kind::MenuItem;
+}
+
+bool Binder::hasWidget(const std::string& outlet) const {
+  auto it = widgets_.find(outlet);
+  return it != widgets_.end() && it->second;
+}
+
 Binder::~Binder() {
   for (const auto& c : model_.controls()) c->setObserver(nullptr);
   for (auto& [outlet, w] : widgets_)
@@ -312,6 +352,18 @@ Binder::~Binder() {
 }
 
 QWidget* Binder::widget(const std::string& outlet) const {
+  auto it = widgets_.find(outlet);
+  if (it != widgets_.end()) return it->second;
+  ui::Control* c = model_.find(outlet);
+  if (!c || !deferred(*c)) return nullptr;
+  // First asked for: made now and painted from the control as it stands.
+  auto* self = const_cast<Binder*>(this);
+  QWidget* w = self->makeWidget(*c);
+  if (w) self->repaint(*c);
+  return w;
+}
+
+QWidget* Binder::existing(const std::string& outlet) const {
   auto it = widgets_.find(outlet);
   return it == widgets_.end() ? nullptr : it->second;
 }
@@ -322,6 +374,11 @@ QAction* Binder::action(const std::string& outlet) const {
 }
 
 void Binder::create(ui::Control& c) {
+  if (!deferred(c)) makeWidget(c);
+  c.setObserver([this](const ui::Control& changed) { repaint(changed); });
+}
+
+QWidget* Binder::makeWidget(ui::Control& c) {
   ui::Control* ctl = &c;
   QWidget* w = nullptr;
   switch (c.kind()) {
@@ -445,7 +502,7 @@ void Binder::create(ui::Control& c) {
     w->setAccessibleName(accessibleNameFor(c));
     widgets_[c.outlet()] = w;
   }
-  c.setObserver([this](const ui::Control& changed) { repaint(changed); });
+  return w;
 }
 
 void Binder::repaintAll() {
@@ -460,7 +517,7 @@ void Binder::repaint(const ui::Control& c) {
     a->setChecked(c.state() != 0);
     a->setEnabled(c.enabled());
     a->setVisible(c.visible());
-  } else if (QWidget* w = widget(c.outlet())) {
+  } else if (QWidget* w = existing(c.outlet())) {
     paintWidget(c, w);
   }
   painting_ = outer;
@@ -468,7 +525,8 @@ void Binder::repaint(const ui::Control& c) {
 }
 
 void Binder::paintWidget(const ui::Control& c, QWidget* w) {
-  if (w->isEnabled() != c.enabled()) w->setEnabled(c.enabled());
+  // A disabled box keeps the controls inside it as they are and greys its title only.
+  if (c.kind() != ui::Kind::Box && w->isEnabled() != c.enabled()) w->setEnabled(c.enabled());
   // Showing a widget that has no parent yet would open it as its own window.
   if (!c.visible() || w->parentWidget()) w->setVisible(c.visible());
 
@@ -562,9 +620,14 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
       }
       break;
     }
-    case ui::Kind::Box:
-      static_cast<QGroupBox*>(w)->setTitle(q(c.title()));
+    case ui::Kind::Box: {
+      auto* box = static_cast<QGroupBox*>(w);
+      box->setTitle(q(c.title()));
+      const QString style = c.enabled() ? QString() : QStringLiteral("QGroupBox::title{color:palette(mid);}");
+      if (box->styleSheet() != style) box->setStyleSheet(style);
+      box->setProperty("titleGreyed", !c.enabled());
       break;
+    }
     case ui::Kind::TabView: {
       auto* tabs = static_cast<QTabWidget*>(w);
       const auto& entries = c.entries();

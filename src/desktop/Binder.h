@@ -39,6 +39,10 @@ class Binder : public QObject {
   W* widgetAs(const std::string& outlet) const {
     return qobject_cast<W*>(widget(outlet));
   }
+  // Whether the widget of a control exists yet. Controls on the pages of a
+  // nested tab view get their widget when widget() first asks for it.
+  bool hasWidget(const std::string& outlet) const;
+  static bool deferred(const ui::Control& control);
   // The menu action of a menu-item control.
   QAction* action(const std::string& outlet) const;
   const ui::Window& model() const { return model_; }
@@ -54,6 +58,8 @@ class Binder : public QObject {
 
  private:
   void create(ui::Control& c);
+  QWidget* makeWidget(ui::Control& c);
+  QWidget* existing(const std::string& outlet) const;
   void repaint(const ui::Control& c);
   void paintWidget(const ui::Control& c, QWidget* w);
 

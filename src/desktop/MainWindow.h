@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,6 +19,21 @@ class QTabWidget;
 
 namespace tolvane::desktop {
 
+// Runs a build step once, the first time the watched widget is shown (or
+// when fire() asks for it sooner).
+class FirstShow : public QObject {
+  Q_OBJECT
+ public:
+  FirstShow(QObject* parent, std::function<void()> build);
+  void fire();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  std::function<void()> build_;
+};
+
 class MainWindow : public QMainWindow {
   Q_OBJECT
  public:
@@ -29,6 +45,8 @@ class MainWindow : public QMainWindow {
   std::vector<std::string> unplacedOutlets() const;
   // Adds a section below the radio link on the Connection page.
   void addConnectionSection(QWidget* section);
+  // Builds the pages that wait to be shown first (the radio's menu pages).
+  void buildAllPages();
 
  signals:
   // Emitted once, when the window is first painted on screen.
@@ -48,6 +66,9 @@ class MainWindow : public QMainWindow {
   void buildMenus();
   void buildConnectionPage(QWidget* page);
   void buildOperatePage(QWidget* page);
+  void buildMessagesPage(QWidget* page);
+  void buildSettingsPage(QWidget* page);
+  void buildMenuPage(QWidget* page, int index);
   void buildGenericPage(QWidget* page, const std::string& tabOutlet, int pageIndex);
   void fixFocusOrder();
 

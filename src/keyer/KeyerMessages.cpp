@@ -1,10 +1,102 @@
-// Keyer and text message memories: not built yet.
+// Keyer and text messages: the fifteen memories read into the buttons of the
+// messages page, writes from the entry fields, and free text sent through
+// memory 5 of the current mode.
 #include "app/SerialPortDemoController.h"
+#include "keyer/Messages.h"
+#include "radio/RadioText.h"
 
 namespace tolvane {
 
-void SerialPortDemoController::handleKeyerAnswer(std::string_view) {}
-void SerialPortDemoController::handleTextMemoryAnswer(std::string_view) {}
-void SerialPortDemoController::setUpMessageBox(char) {}
+using namespace std::chrono_literals;
+
+namespace {
+
+const char* bankPrefix(keyer::Bank bank) {
+  switch (bank) {
+    case keyer::Bank::Cw:
+      return "cw";
+    case keyer::Bank::Rtty:
+      return "rtty";
+    case keyer::Bank::Psk:
+      return "psk";
+  }
+  return "";
+}
+
+// The controls that send messages, enabled only in CW, RTTY and PSK.
+constexpr const char* kMessageControls[] = {
+    "textMemory1Button", "textMemory2Button", "textMemory3Button",    "textMemory4Button",
+    "textMemory5Button", "textMemoryField",   "sendTextMemoryButton", "clearTextMemoryButton",
+};
+
+}  // namespace
+
+void SerialPortDemoController::handleKeyerAnswer(std::string_view piece) { handleTextMemoryAnswer(piece); }
+
+void SerialPortDemoController::handleTextMemoryAnswer(std::string_view piece) {
+  const auto answer = keyer::parseMemoryAnswer(piece);
+  if (!answer) return;
+  const std::string n = std::to_string(answer->slot);
+  tlTextMemoryArray[static_cast<std::size_t>(answer->slot)] = answer->text;
+  if (ui::Control* b = control("textMemory" + n + "Button")) b->setTitle(answer->text);
+  if (ui::Control* b = control(bankPrefix(answer->bank) + std::string("Memory") + n + "Button"))
+    b->setTitle(answer->text);
+  if (answer->slot == 5) tlTextMemoryRevert = answer->text;
+}
+
+void SerialPortDemoController::setUpMessageBox(char modeCode) {
+  const radio::ModeInfo* mode = radio::modeForCode(modeCode);
+  const auto bank = mode ? keyer::bankForMode(mode->name) : std::nullopt;
+  for (const char* outlet : kMessageControls)
+    if (ui::Control* c = control(outlet)) c->setEnabled(bank.has_value());
+  if (ui::Control* send = control("sendTextMemoryButton")) send->setBezel(bank ? ui::Bezel::Blue : ui::Bezel::DarkGray);
+  if (ui::Control* box = control("sendBox")) {
+    if (bank) box->setTitle(keyer::sendBoxTitle(*bank));
+    // A disabled box keeps its title but draws it grey.
+    box->setEnabled(bank.has_value());
+  }
+}
+
+bool SerialPortDemoController::writeMessageMemory(ui::Control& sender) {
+  static constexpr keyer::Bank kBanks[] = {keyer::Bank::Cw, keyer::Bank::Rtty, keyer::Bank::Psk};
+  const int tag = sender.tag();
+  if (tag < 3001 || tag > 3003) return false;
+  const keyer::Bank bank = kBanks[tag - 3001];
+  const int slot = sender.selectedIndex();
+  if (slot < 1 || slot > 5) return true;
+  ui::Control* field = control(bankPrefix(bank) + std::string("MemoryField"));
+  if (!field) return true;
+  cmd = keyer::writeMemoryCommand(bank, slot, field->text());
+  field->setText("");
+  transmit(cmd);
+  return true;
+}
+
+void SerialPortDemoController::sendTextMessage() {
+  const auto bank = keyer::bankForMode(tlMode);
+  if (!bank) return;
+  ui::Control& field = window_.at("textMemoryField");
+  const std::string text = field.text();
+  std::vector<std::string> writes = keyer::freeTextCommands(*bank, text, tlTextMemoryRevert);
+  ui::Control& log = window_.at("sentTextMemoryField");
+  log.setText(text + "\n" + log.text());
+  field.setText("");
+
+  // The writes keep their order and leave back to back, one piece (its write
+  // and its play) per turn of the event loop, so a long text never holds the
+  // window. A send made while another is still going waits behind it.
+  const bool idle = freeTextQueue_.empty();
+  for (std::string& w : writes) freeTextQueue_.push_back(std::move(w));
+  if (idle) sendNextFreeTextPiece();
+}
+
+void SerialPortDemoController::sendNextFreeTextPiece() {
+  for (int i = 0; i < 2 && !freeTextQueue_.empty(); ++i) {
+    cmd = std::move(freeTextQueue_.front());
+    freeTextQueue_.pop_front();
+    transmit(cmd);
+  }
+  if (!freeTextQueue_.empty()) sv_.scheduler.after(0ms, [this] { sendNextFreeTextPiece(); });
+}
 
 }  // namespace tolvane

@@ -1,7 +1,7 @@
 // What the simulated transceiver holds out of the box: two VFOs, a few stored
 // channels, the setup menu at its factory values, the message memories, the
 // band stack.
-#include "sim/MenuTable.h"
+#include "menu/MenuTable.h"
 #include "sim/Transceiver.h"
 
 namespace tolvane::sim {
@@ -33,7 +33,8 @@ State factoryState() {
     c.name = p.name;
   }
 
-  for (const MenuItem& item : menuItems()) s.menu[item.code] = item.factory;
+  for (const menu::MenuItem& item : menu::menuItems()) s.menu[item.code] = item.factory;
+  s.menu["050501"] = unmirroredMenuFactory("050501");
 
   s.keyer = {"CQ CQ DE N0CALL N0CALL K", "N0CALL", "TU 73", "5NN", "QRZ?"};
   s.rtty = {"CQ CQ CQ DE N0CALL N0CALL K", "RST 599 599", "TU 73 SK", "QRZ?", ""};

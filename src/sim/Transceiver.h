@@ -210,6 +210,8 @@ class Transceiver {
 
 // What the radio holds out of the box.
 State factoryState();
+// The factory value of a menu item the settings pages do not mirror ("" for none).
+std::string unmirroredMenuFactory(std::string_view code);
 
 template <class F>
 inline void Transceiver::reporting(F&& change) {

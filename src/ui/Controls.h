@@ -15,7 +15,7 @@ namespace tolvane::ui {
 
 class TableDataSource;
 
-enum class Bezel { None, Blue, Green, Orange, Red, Purple, Pink, Brown };
+enum class Bezel { None, Blue, Green, Orange, Red, Purple, Pink, Brown, DarkGray };
 
 enum class Kind {
   Button,
@@ -50,6 +50,8 @@ struct Column {
 inline constexpr const char* kStatusAvailable = "NSStatusAvailable";
 inline constexpr const char* kStatusPartiallyAvailable = "NSStatusPartiallyAvailable";
 inline constexpr const char* kStatusUnavailable = "NSStatusUnavailable";
+// An entry added because the radio reported a value the list did not hold.
+inline constexpr const char* kStatusReported = "TolvaneStatusReported";
 
 class Control {
  public:

@@ -5,6 +5,9 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
 #include <QTabWidget>
@@ -29,6 +32,15 @@ struct WindowTest : ::testing::Test {
 
 TEST_F(WindowTest, EveryControlOfTheModelIsPlacedOnItsPage) {
   EXPECT_EQ(window.windowTitle(), "Tolvane");
+  // The radio's menu pages are built when first shown; until then their
+  // controls have no widget and are the only ones not placed.
+  for (const std::string& o : window.unplacedOutlets()) {
+    const ui::Control& c = rig.at(o);
+    ASSERT_TRUE(c.tabView() && c.tabView()->outlet() == "settingsTab") << o;
+    EXPECT_FALSE(binder.hasWidget(o)) << o;
+  }
+  EXPECT_EQ(window.unplacedOutlets().size(), 198u);
+  window.buildAllPages();
   EXPECT_TRUE(window.unplacedOutlets().empty()) << window.unplacedOutlets().front();
   auto* tabs = w<QTabWidget>("mainTab");
   ASSERT_EQ(tabs->count(), static_cast<int>(rig.at("mainTab").entries().size()));
@@ -82,6 +94,70 @@ TEST_F(WindowTest, AnswersRepaintTheWindowAndSendNothingBack) {
   // The operator's own gesture on the same slider does go to the radio.
   QTest::keyClick(w<QSlider>("afGainSlider"), Qt::Key_Right);
   EXPECT_EQ(rig.written(), "AG0129;");
+}
+
+}  // namespace
+}  // namespace tolvane::desktop
+
+namespace tolvane::desktop {
+namespace {
+
+TEST_F(WindowTest, MenuPageIsBuiltWhenShownAndItsFilterNarrowsTheList) {
+  rig.openPort();
+  window.show();
+  auto* settings = w<QTabWidget>("settingsTab");
+  ASSERT_NE(settings, nullptr);
+  EXPECT_FALSE(binder.hasWidget("menu2010101PopUp"));
+  rig.at("mainTab").selectIndex(kPageSettings);
+  QApplication::processEvents();
+  ASSERT_TRUE(binder.hasWidget("menu2010101PopUp"));
+  EXPECT_FALSE(binder.hasWidget("menu2020101PopUp")) << "the second page is not shown yet";
+  auto* item = w<QComboBox>("menu2010101PopUp");
+  EXPECT_TRUE(settings->widget(0)->isAncestorOf(item));
+
+  // An answer that arrived before the page existed shows when it is built.
+  rig.receive("EX020101050;");
+  rig.at("settingsTab").selectIndex(1);
+  QApplication::processEvents();
+  EXPECT_EQ(w<QComboBox>("menu2020101PopUp")->currentText(), "050");
+
+  auto* filter = settings->widget(1)->findChild<QLineEdit*>("menuFilter2");
+  ASSERT_NE(filter, nullptr);
+  filter->setText("02-02-1");
+  QApplication::processEvents();
+  EXPECT_TRUE(w<QComboBox>("menu2020210PopUp")->isVisible());
+  EXPECT_TRUE(w<QComboBox>("menu2020211PopUp")->isVisible());
+  EXPECT_FALSE(w<QComboBox>("menu2020101PopUp")->isVisible());
+  EXPECT_FALSE(w<QComboBox>("menu2020209PopUp")->isVisible());
+  auto* pinned = settings->widget(1)->findChild<QLabel*>("menuPinnedHeading2");
+  ASSERT_NE(pinned, nullptr);
+  EXPECT_EQ(pinned->text(), "Menu 02-02 (11 items)");
+  filter->setText("");
+  QApplication::processEvents();
+  EXPECT_TRUE(w<QComboBox>("menu2020101PopUp")->isVisible());
+  EXPECT_EQ(pinned->text(), "Menu 02-01 (18 items)");
+
+  // Choosing an entry in the window writes the item.
+  rig.port->clearWrites();
+  auto* box = w<QComboBox>("menu2020108PopUp");
+  box->setCurrentIndex(3);
+  emit box->activated(3);
+  EXPECT_EQ(rig.written(), "EX0201083;");
+}
+
+TEST_F(WindowTest, MessageBoxGreysItsTitleOutsideTheMessageModes) {
+  rig.openPort();
+  auto* box = w<QGroupBox>("sendBox");
+  ASSERT_NE(box, nullptr);
+  rig.receive("MD02;");
+  EXPECT_TRUE(box->property("titleGreyed").toBool());
+  EXPECT_TRUE(box->isEnabled()) << "the sent log stays readable";
+  EXPECT_FALSE(w<QLineEdit>("textMemoryField")->isEnabled());
+  rig.receive("MD03;");
+  EXPECT_EQ(box->title(), "Send CW");
+  EXPECT_FALSE(box->property("titleGreyed").toBool());
+  EXPECT_TRUE(w<QLineEdit>("textMemoryField")->isEnabled());
+  EXPECT_EQ(w<QPushButton>("sendTextMemoryButton")->property("bezel").toInt(), static_cast<int>(ui::Bezel::Blue));
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/StartUp.h"
+#include "menu/MenuTable.h"
 #include "sim/FrontPanel.h"
-#include "sim/MenuTable.h"
 #include "sim/Transceiver.h"
 
 using namespace tolvane;
@@ -165,7 +165,7 @@ TEST(Transcript, MenuItemsAnswerWithTheirWidths) {
         b.radio.write("EX" + std::string(code) + ";");
         if (b.heard == "?;") continue;
         ++answered;
-        const sim::MenuItem* item = sim::findMenuItem(code);
+        const menu::MenuItem* item = menu::findMenuItem(code);
         ASSERT_NE(item, nullptr) << code;
         EXPECT_EQ(b.heard.size(), 2u + 6u + static_cast<std::size_t>(item->width) + 1u) << b.heard;
       }
@@ -304,8 +304,8 @@ TEST(BadInput, RandomBytesNeverCrashOrGrowTheRadio) {
   for (const auto* bank : {&s.keyer, &s.rtty, &s.psk})
     for (const std::string& text : *bank) EXPECT_LE(text.size(), sim::kTextMemoryLength);
   for (const sim::Channel& c : s.channels) EXPECT_LE(c.name.size(), 12u);
-  EXPECT_EQ(s.menu.size(), sim::menuItems().size());
-  for (const sim::MenuItem& item : sim::menuItems())
+  EXPECT_EQ(s.menu.size(), menu::menuItems().size() + 1);  // the mirrored items and 05-05-01
+  for (const menu::MenuItem& item : menu::menuItems())
     EXPECT_EQ(s.menu.at(item.code).size(), static_cast<std::size_t>(item.width));
   EXPECT_GT(written, 100000u);
 

@@ -1,0 +1,182 @@
+// Keyer and text messages: answers into the buttons, writes from the memory
+// fields, free text in pieces through memory 5, and the message box after
+// each mode answer.
+#include <gtest/gtest.h>
+
+#include "support/Harness.h"
+
+using namespace tolvane;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Keyer : ::testing::Test {
+  test::Rig rig;
+  void SetUp() override { rig.openPortAndSettle(); }
+  // Sets the mode by the radio's answer, as a mode change on the air would.
+  void mode(char code) {
+    rig.receive(std::string("MD0") + code + ";");
+    rig.port->clearWrites();
+  }
+  // Types free text and sends it; returns every write of the send, in order.
+  std::vector<std::string> send(const std::string& text) {
+    rig.port->clearWrites();
+    rig.at("textMemoryField").type(text);
+    rig.at("sendTextMemoryButton").click();
+    rig.scheduler.advance(0ms);
+    std::vector<std::string> out;
+    for (const auto& w : rig.port->writes()) out.push_back(w.bytes);
+    return out;
+  }
+};
+
+std::string letters(std::size_t n) {
+  std::string s;
+  for (std::size_t i = 0; i < n; ++i) s += static_cast<char>('A' + i % 26);
+  return s;
+}
+
+}  // namespace
+
+TEST_F(Keyer, AnswersFillTheMemoryButtonsOfTheirMode) {
+  rig.receive("EM13CQ CQ DE N0CALL K;");
+  EXPECT_EQ(rig.c().tlTextMemoryArray[3], "CQ CQ DE N0CALL K");
+  EXPECT_EQ(rig.at("textMemory3Button").title(), "CQ CQ DE N0CALL K");
+  EXPECT_EQ(rig.at("pskMemory3Button").title(), "CQ CQ DE N0CALL K");
+  EXPECT_EQ(rig.at("rttyMemory3Button").title(), "");
+
+  rig.receive("KM1  TU 73  ;EM02RST 599;");
+  EXPECT_EQ(rig.at("cwMemory1Button").title(), "TU 73");
+  EXPECT_EQ(rig.at("textMemory1Button").title(), "TU 73");
+  EXPECT_EQ(rig.at("rttyMemory2Button").title(), "RST 599");
+  EXPECT_EQ(rig.c().tlTextMemoryRevert, "");
+  rig.receive("KM5QRZ?;");
+  EXPECT_EQ(rig.c().tlTextMemoryRevert, "QRZ?");
+  rig.receive("EM05;");
+  EXPECT_EQ(rig.c().tlTextMemoryRevert, "");
+
+  // A text memory answer carries at most 50 characters.
+  rig.receive("EM14" + std::string(50, 'X') + "YZ;");
+  EXPECT_EQ(rig.at("pskMemory4Button").title(), std::string(50, 'X'));
+}
+
+TEST_F(Keyer, AnswersForSlotsOutsideOneToFiveAreIgnored) {
+  rig.receive("KM0CQ;KM6CQ;KMXCQ;EM10CQ;EM09CQ;KM;EM1;");
+  for (int i = 1; i <= 5; ++i)
+    EXPECT_EQ(rig.at("textMemory" + std::to_string(i) + "Button").title(), "M" + std::to_string(i));
+  for (const std::string& t : rig.c().tlTextMemoryArray) EXPECT_EQ(t, "");
+}
+
+TEST_F(Keyer, ReadButtonAsksForAllFifteenMemories) {
+  rig.port->clearWrites();
+  rig.at("readMessagesButton").click();
+  EXPECT_EQ(rig.written(), "KM1;KM2;KM3;KM4;KM5;EM01;EM02;EM03;EM04;EM05;EM11;EM12;EM13;EM14;EM15;BI1;");
+}
+
+TEST_F(Keyer, MemoryFieldsWriteTheChosenMemoryAndReadItBack) {
+  rig.at("rttyMemoryField").type(std::string(60, 'R'));
+  rig.port->clearWrites();
+  rig.at("rttyMemoryPopUpButton").choose(2);
+  EXPECT_EQ(rig.written(), "EM02" + std::string(49, 'R') + ";EM02;");
+  EXPECT_EQ(rig.at("rttyMemoryField").text(), "");
+
+  rig.at("cwMemoryField").type("CQ TEST");
+  rig.port->clearWrites();
+  rig.at("cwMemoryPopUpButton").choose(4);
+  EXPECT_EQ(rig.written(), "KM4CQ TEST};KM4;");
+
+  rig.at("pskMemoryField").type("73");
+  rig.port->clearWrites();
+  rig.at("pskMemoryPopUpButton").choose(5);
+  EXPECT_EQ(rig.written(), "EM1573;EM15;");
+  // Entry 0 is a heading, not a memory.
+  EXPECT_TRUE(rig.at("pskMemoryPopUpButton").entries()[0].heading);
+}
+
+TEST_F(Keyer, FreeTextGoesOutInPiecesOfFortyNineAndRestoresMemoryFive) {
+  mode('9');
+  rig.receive("EM0573;");
+  EXPECT_EQ(send("CQ TEST"), (std::vector<std::string>{"EM05CQ TEST};", "EN05;", "EM0573};"}));
+  EXPECT_EQ(rig.at("sentTextMemoryField").text(), "CQ TEST\n");
+  EXPECT_EQ(rig.at("textMemoryField").text(), "");
+
+  mode('3');
+  rig.receive("KM5;");  // memory 5 empty: the restore writes it empty
+  const std::string t49 = letters(49);
+  EXPECT_EQ(send(t49), (std::vector<std::string>{"KM5" + t49 + "};", "KYA;", "KM5};", "KYA;", "KM5};"}));
+}
+
+TEST_F(Keyer, FreeTextLengthsInEachMode) {
+  struct Mode {
+    char code;
+    const char* memory5;
+    const char* play;
+  };
+  for (const Mode& m : {Mode{'7', "KM5", "KYA;"}, Mode{'6', "EM05", "EN05;"}, Mode{'E', "EM15", "EN15;"}}) {
+    mode(m.code);
+    rig.receive(std::string(m.memory5) + "OLD;");
+    for (std::size_t length : {0u, 48u, 49u, 50u, 98u}) {
+      const std::string text = letters(length);
+      std::vector<std::string> expected;
+      for (std::size_t at = 0; at <= length; at += 49) {
+        expected.push_back(m.memory5 + text.substr(at, 49) + "};");
+        expected.push_back(m.play);
+      }
+      expected.push_back(std::string(m.memory5) + "OLD};");
+      EXPECT_EQ(send(text), expected) << m.code << " " << length;
+      EXPECT_EQ(expected.size(), 2 * (length / 49 + 1) + 1);
+    }
+  }
+}
+
+TEST_F(Keyer, LongFreeTextLeavesOnePieceAtATimeAndNothingIsLost) {
+  mode('9');
+  rig.receive("EM05KEEP;");
+  const std::string text = letters(500);
+  rig.port->clearWrites();
+  rig.at("textMemoryField").type(text);
+  rig.at("sendTextMemoryButton").click();
+  // The first piece leaves at once; the rest follow on later turns of the loop.
+  EXPECT_EQ(rig.port->writes().size(), 2u);
+  // A second send waits behind the first.
+  rig.at("textMemoryField").type("NEXT");
+  rig.at("sendTextMemoryButton").click();
+  rig.scheduler.advance(0ms);
+  std::string all;
+  for (const auto& w : rig.port->writes()) all += w.bytes;
+  std::string expected;
+  for (std::size_t at = 0; at < 500; at += 49) expected += "EM05" + text.substr(at, 49) + "};EN05;";
+  expected += "EM05KEEP};EM05NEXT};EN05;EM05KEEP};";
+  EXPECT_EQ(all, expected);
+  EXPECT_EQ(rig.at("sentTextMemoryField").text(), "NEXT\n" + text + "\n");
+}
+
+TEST_F(Keyer, MessageBoxFollowsEveryModeAnswer) {
+  struct Case {
+    char code;
+    const char* title;  // nullptr: disabled
+  };
+  const Case cases[] = {{'3', "Send CW"},   {'1', nullptr}, {'7', "Send CW"},  {'6', "Send RTTY"}, {'2', nullptr},
+                        {'9', "Send RTTY"}, {'C', nullptr}, {'E', "Send PSK"}, {'4', nullptr}};
+  std::string lastTitle = "Keyer / Encoder";
+  for (const Case& k : cases) {
+    mode(k.code);
+    const bool on = k.title != nullptr;
+    if (on) lastTitle = k.title;
+    EXPECT_EQ(rig.at("sendBox").title(), lastTitle) << k.code;
+    EXPECT_EQ(rig.at("sendBox").enabled(), on) << k.code;
+    EXPECT_EQ(rig.at("sendTextMemoryButton").bezel(), on ? ui::Bezel::Blue : ui::Bezel::DarkGray) << k.code;
+    for (const char* o :
+         {"textMemory1Button", "textMemory5Button", "textMemoryField", "sendTextMemoryButton", "clearTextMemoryButton"})
+      EXPECT_EQ(rig.at(o).enabled(), on) << k.code << " " << o;
+  }
+}
+
+TEST_F(Keyer, ModeAnswersReadTheMemoriesOfTheirMode) {
+  rig.port->clearWrites();
+  rig.receive("MD07;");
+  EXPECT_EQ(rig.written(), "KM1;KM2;KM3;KM4;KM5;");
+  rig.port->clearWrites();
+  rig.receive("MD0E;");
+  EXPECT_EQ(rig.written(), "EM11;EM12;EM13;EM14;EM15;");
+}
