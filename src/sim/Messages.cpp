@@ -8,6 +8,11 @@ namespace tolvane::sim {
 
 using namespace wire;
 
+void Transceiver::onAir(const std::string& what, std::string_view text) {
+  // Nothing is transmitted for real: what would go out is reported on the log.
+  if (log_) log_("on air, " + what + ": " + std::string(text));
+}
+
 bool Transceiver::textMemory(std::string_view p, bool keyer) {
   // Keyer: slot, then text closed by "}". Text memories: mode digit (0 RTTY,
   // 1 PSK), slot, then text, with or without the closing "}".
@@ -38,11 +43,25 @@ Transceiver::Handled Transceiver::messageCommand(std::string_view name, std::str
       return textMemory(p, true);
     case key('E', 'M'):
       return textMemory(p, false);
-    case key('K', 'Y'):
-      // Plays a keyer memory ("KY6".."KYA") or keys the text that follows.
-      return !p.empty() && printable(p);
-    case key('E', 'N'):
-      return p.size() == 2 && (p[0] == '0' || p[0] == '1') && p[1] >= '1' && p[1] <= '5';
+    case key('K', 'Y'): {
+      // Plays a keyer memory ("KY6".."KYA" for memories 1..5) or keys the text that follows.
+      if (p.empty() || !printable(p)) return false;
+      const char m = p.size() == 1 ? p[0] : '\0';
+      if (m >= '6' && m <= '9') {
+        onAir("CW memory " + std::string(1, static_cast<char>(m - 5)), state_.keyer[static_cast<std::size_t>(m - '6')]);
+      } else if (m == 'A') {
+        onAir("CW memory 5", state_.keyer[4]);
+      } else {
+        onAir("CW", p);
+      }
+      return true;
+    }
+    case key('E', 'N'): {
+      if (p.size() != 2 || (p[0] != '0' && p[0] != '1') || p[1] < '1' || p[1] > '5') return false;
+      const auto& bank = p[0] == '0' ? state_.rtty : state_.psk;
+      onAir(std::string(p[0] == '0' ? "RTTY" : "PSK") + " memory " + p[1], bank[static_cast<std::size_t>(p[1] - '1')]);
+      return true;
+    }
     default:
       return std::nullopt;
   }

@@ -112,7 +112,8 @@ class Transceiver {
 
   // Where answers and auto-information reports go, one answer with its ";" per call.
   void setOutput(Output out) { out_ = std::move(out); }
-  // Called with every complete command received, with its ";".
+  // Called with every complete command received, with its ";", and with a
+  // line "on air, <what>: <text>" for every message played.
   void setCommandLog(Output log) { log_ = std::move(log); }
 
   // The bytes the program wrote, split anywhere.
@@ -190,6 +191,8 @@ class Transceiver {
   void selectBand(int band);
   bool storeChannel(std::string_view params);
   bool textMemory(std::string_view params, bool keyer);
+  // Reports a message the radio sends on air to the command log.
+  void onAir(const std::string& what, std::string_view text);
   void powerOff();
 
   // The demo driver's steps: the knob every two seconds, the S-meter four times a second.

@@ -377,3 +377,25 @@ TEST(FrontPanel, LinesDriveTheKnobAndKeysAndBadLinesChangeNothing) {
     EXPECT_NE(sim::applyPanelLine(b.radio, bad), "") << bad;
   EXPECT_EQ(b.take(), "") << "a rejected line must not touch the radio";
 }
+
+TEST(Transcript, PlayedMessagesAreReportedOnTheLog) {
+  Bench b;
+  std::vector<std::string> log;
+  b.radio.setCommandLog([&log](std::string_view line) { log.emplace_back(line); });
+  b.run({
+      {"free text into keyer memory 5", "KM5CQ TEST};", ""},
+      {"play keyer memory 5", "KYA;", ""},
+      {"play keyer memory 1", "KY6;", ""},
+      {"play RTTY memory 2", "EN02;", ""},
+      {"play PSK memory 3", "EN13;", ""},
+      {"no PSK memory 6", "EN16;", "?;"},
+      {"keyed text", "KYTU 73;", ""},
+  });
+  const std::vector<std::string> onAir = {
+      "on air, CW memory 5: CQ TEST", "on air, CW memory 1: CQ CQ DE N0CALL N0CALL K",
+      "on air, RTTY memory 2: RST 599 599", "on air, PSK memory 3: 73 ES GL", "on air, CW: TU 73"};
+  std::vector<std::string> seen;
+  for (const std::string& line : log)
+    if (line.rfind("on air", 0) == 0) seen.push_back(line);
+  EXPECT_EQ(seen, onAir);
+}
