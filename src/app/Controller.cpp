@@ -128,11 +128,13 @@ void SerialPortDemoController::applicationDidFinishLaunching() { selectMainTab(0
 
 void SerialPortDemoController::awakeFromNib() {
   refreshPortList();
-  if (tlPortChecked == 0) setUpRoutine();
+  const bool chain = tlPortChecked == 0;
+  if (chain) setUpRoutine();
   if (ui::Control* item = control("menuItemPreferencesConnectAtStart"))
     item->setState(sv_.settings.value("connectAtStart").value_or("0") == "1" ? 1 : 0);
   updateWindowTitle();
-  refreshBandConditions();
+  // The band conditions follow the five lists' chain (ten seconds), as they followed its waits.
+  sv_.scheduler.after(chain ? 10s : 0s, [this] { refreshBandConditions(); });
   // The update notice waits half a second, on the event loop.
   sv_.scheduler.after(500ms, [this] { showUpdateNotice(); });
 }
@@ -188,11 +190,7 @@ void SerialPortDemoController::setUpRoutine() {
     if (keep >= 0) p->selectIndex(keep);
   }
 
-  refreshPota();
-  refreshNetLogger();
-  refreshSota();
-  refreshNets();
-  refreshMW();
+  startWebListChain();
 }
 
 void SerialPortDemoController::showUpdateNotice() {

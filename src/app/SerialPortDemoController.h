@@ -193,14 +193,36 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void headerClicked(ui::Control& table, int column) override;
 
   // ---------------------------------------------------------- web lists (spots/)
-  void refreshPota();
-  void refreshSota();
-  void refreshNetLogger();
-  void refreshNets();
-  void refreshMW();
+  // Each refresh empties its list and starts the request; two seconds later
+  // the table shows what has arrived and `whenShown` runs.
+  void refreshPota(std::function<void()> whenShown = nullptr);
+  void refreshSota(std::function<void()> whenShown = nullptr);
+  void refreshNetLogger(std::function<void()> whenShown = nullptr);
+  void refreshNets(std::function<void()> whenShown = nullptr);
+  void refreshMW(std::function<void()> whenShown = nullptr);
+  // The five lists one after another, two seconds apart.
+  void startWebListChain();
+  // Tune buttons of the lists (the sender's tag is the row), confirm and withdraw of a net.
+  void goPotaTune(ui::Control& sender);
+  void goSotaTune(ui::Control& sender);
+  void goNetsTune(ui::Control& sender);
+  void goNetLoggerTune(ui::Control& sender);
+  void goMWTune(ui::Control& sender);
+  void goNetsConfirm(ui::Control& sender);
+  void goNetsUnconfirm(ui::Control& sender);
+  std::optional<ui::Cell> webListCell(const ui::Control& table, const std::string& column, int row);
+  // The base address of a web service ("pota", "sota", ...): the address given
+  // for this run, else the one saved in the settings, else the default.
+  std::string serviceAddress(const std::string& name) const;
+  void overrideServiceAddress(const std::string& name, const std::string& address);
+  // The operator's key for the nets service; kept only in memory here.
+  void setNetsUserKey(std::string key) { netsUserKey_ = std::move(key); }
+  // Seconds since 1970, for spot ages and status lines (the system clock unless replaced).
+  void setWallClock(std::function<double()> clock) { wallClock_ = std::move(clock); }
+  double wallClock() const;
 
   // ---------------------------------------------------------- conditions (conditions/)
-  void refreshBandConditions();
+  void refreshBandConditions(std::function<void()> whenShown = nullptr);
   void showLicenseClass(const std::string& megahertz);
 
   // ---------------------------------------------------------- rig sharing (share/)
@@ -263,9 +285,29 @@ class SerialPortDemoController : public platform::SerialPortListener,
   std::vector<std::string> tlTextMemoryArray;
   std::string tlTextMemoryRevert;
 
+  // One list's request in flight: only the latest request may fill its list;
+  // `waiting` is true until the two-second deadline.
+  struct WebFetch {
+    enum class Outcome { Pending, Answered, Unreadable, Failed, HttpError, NoAddress };
+    unsigned generation = 0;
+    bool waiting = false;
+    Outcome outcome = Outcome::Pending;
+    std::string detail;  // the network error or HTTP status
+    std::string slot;    // the answer's text, for the lists read after the deadline
+  };
+
  private:
   void wireActions();
   void sendNextFreeTextPiece();
+  void fetchWebList(WebFetch& fetch, const std::string& service, const std::string& path, platform::HttpRequest request,
+                    std::function<void(const platform::HttpResponse&, bool late)> answer,
+                    std::function<void()> deadline);
+  void showListStatus(const std::string& outlet, const WebFetch& fetch, const std::string& service, std::size_t rows,
+                      const char* noun);
+  void tuneTo(const std::vector<ListRow>& list, int tag,
+              const std::function<std::optional<std::string>(const ListRow&)>& build, std::size_t spokenField);
+  void netConfirmation(int row, int action);
+
   ui::Control* control(const std::string& outlet) const { return window_.find(outlet); }
   // Title bar and port status line after a change of the chosen port.
   void portChosen();
@@ -292,6 +334,10 @@ class SerialPortDemoController : public platform::SerialPortListener,
   std::optional<PortIdentity> reconnectTo_;
   // Free-text writes not yet sent, oldest first.
   std::deque<std::string> freeTextQueue_;
+  WebFetch potaFetch_, sotaFetch_, netLoggerFetch_, netsFetch_, mwFetch_, conditionsFetch_;
+  std::map<std::string, std::string> serviceOverrides_;
+  std::string netsUserKey_;
+  std::function<double()> wallClock_;
 };
 
 }  // namespace tolvane

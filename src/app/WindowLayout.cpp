@@ -3,10 +3,12 @@
 #include <cstdio>
 #include <string>
 
+#include "conditions/BandConditions.h"
 #include "controls/Macros.h"
 #include "memories/MemoriesTable.h"
 #include "menu/MenuTable.h"
 #include "menu/ReadLists.h"
+#include "spots/WebLists.h"
 
 namespace tolvane {
 
@@ -146,6 +148,11 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   button(w, tab, p, "quickMemoryRecallButton", 461, "QMB recall");
   button(w, tab, p, "makerPageButton", 805, "Web page");
 
+  // Band conditions: the box's title and fields are set by each refresh.
+  w.addOn(tab, p, "bandBox", Kind::Box).setTitle("Band Conditions - ");
+  for (const auto& line : conditions::kFeedLines) w.addOn(tab, p, line.outlet, Kind::Label);
+  button(w, tab, p, "bandConditionsRefreshButton", 810, "Refresh");
+
   // Scope colours.
   button(w, tab, p, "scopeColor0Button", 351, "0");
   for (int i = 1; i <= 10; ++i)
@@ -257,6 +264,30 @@ void buildSettingsPage(ui::Window& w, Control& mainTab) {
   }
 }
 
+// The five web lists, one sub-page each: the table, its refresh button (the
+// MW list has none) and the status line under the table.
+void buildSpotsPage(ui::Window& w, Control& mainTab) {
+  Control& spots = w.addOn(mainTab, kPageSpots, "spotsTab", Kind::TabView);
+  spots.setEntries(titles({"POTA", "SOTA", "NetLogger", "Nets", "MW"}));
+  struct List {
+    const char* table;
+    const char* status;
+    const char* refresh;
+    int tag;
+  };
+  static const List lists[] = {{"potaTable", "potaStatusLabel", "potaRefreshButton", 811},
+                               {"sotaTable", "sotaStatusLabel", "sotaRefreshButton", 813},
+                               {"netLoggerTable", "netLoggerStatusLabel", "netLoggerRefreshButton", 812},
+                               {"netsTable", "netsStatusLabel", "netsRefreshButton", 814},
+                               {"mwTable", "mwStatusLabel", nullptr, 0}};
+  for (int page = 0; page < 5; ++page) {
+    const List& l = lists[page];
+    w.addOn(spots, page, l.table, Kind::Table).setColumns(spots::columnsOf(l.table));
+    w.addOn(spots, page, l.status, Kind::Label).setTitle("Not fetched yet.");
+    if (l.refresh) button(w, spots, page, l.refresh, l.tag, "Refresh");
+  }
+}
+
 }  // namespace
 
 void buildWindow(ui::Window& w) {
@@ -267,6 +298,7 @@ void buildWindow(ui::Window& w) {
   buildMemoriesPage(w, mainTab);
   buildMessagesPage(w, mainTab);
   buildSettingsPage(w, mainTab);
+  buildSpotsPage(w, mainTab);
 
   // The Preferences menu.
   w.add("menuItemPreferencesVoice", Kind::MenuItem, 1900).setTitle("Voice guide");

@@ -156,24 +156,25 @@ void SerialPortDemoController::go(ui::Control& sender) {
   } else if (tag == 805) {
     sv_.browser.openUrl(startup::kMakerSite);
   } else if (tag >= controls::kRefreshBandConditions && tag <= controls::kRefreshNets) {
+    // "Funk" plays when the refreshed list is shown, after its wait.
+    auto funk = [this] { playSound("Funk"); };
     switch (tag) {
       case controls::kRefreshBandConditions:
-        refreshBandConditions();
+        refreshBandConditions(funk);
         break;
       case controls::kRefreshPota:
-        refreshPota();
+        refreshPota(funk);
         break;
       case controls::kRefreshNetLogger:
-        refreshNetLogger();
+        refreshNetLogger(funk);
         break;
       case controls::kRefreshSota:
-        refreshSota();
+        refreshSota(funk);
         break;
       default:
-        refreshNets();
+        refreshNets(funk);
         break;
     }
-    playSound("Funk");
   } else if (const int group = menu::groupOfReadButton(tag)) {
     std::vector<std::string> lists = menu::readLists(group);
     for (std::size_t i = 0; i + 1 < lists.size(); ++i) transmit(lists[i]);

@@ -647,9 +647,14 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
     case ui::Kind::Table:
       static_cast<TableView*>(w)->refresh();
       break;
-    case ui::Kind::Label:
-      static_cast<QLabel*>(w)->setText(q(c.title()));
+    case ui::Kind::Label: {
+      auto* label = static_cast<QLabel*>(w);
+      label->setText(q(c.title()));
+      // A coloured label (a band condition) shows its colour in bold text.
+      const QString colour = bezelColour(c.bezel());
+      label->setStyleSheet(colour.isEmpty() ? QString() : QStringLiteral("color: %1; font-weight: bold;").arg(colour));
       break;
+    }
     case ui::Kind::MenuItem:
       break;
   }

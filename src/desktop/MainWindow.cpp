@@ -363,6 +363,7 @@ void MainWindow::buildOperatePage(QWidget* page) {
   sv->addLayout(colours);
   colC->addWidget(scope);
 
+  buildBandConditions(colC);
   placeRest(content, "mainTab", kPageOperate, colC);
   colC->addStretch();
 }
@@ -570,6 +571,47 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
   pageTab_ = "mainTab";
 }
 
+// The band conditions box: solar flux, the day and night conditions of the
+// four band pairs, the 6 m band and the noise level, with its refresh button.
+void MainWindow::buildBandConditions(QBoxLayout* into) {
+  auto* box = qobject_cast<QGroupBox*>(take("bandBox"));
+  if (!box) return;
+  auto* grid = new QGridLayout(box);
+  auto caption = [](const QString& text) {
+    auto* l = new QLabel(text);
+    l->setStyleSheet(QStringLiteral("color: palette(mid);"));
+    return l;
+  };
+  auto place = [&](const char* outlet, int row, int column, const QString& name) {
+    if (QWidget* w = take(outlet)) {
+      w->setAccessibleName(name);
+      grid->addWidget(w, row, column);
+    }
+  };
+  const QString pairs[] = {QStringLiteral("80-40 m"), QStringLiteral("30-20 m"), QStringLiteral("17-15 m"),
+                           QStringLiteral("12-10 m")};
+  for (int i = 0; i < 4; ++i) grid->addWidget(caption(pairs[i]), 0, i + 1);
+  grid->addWidget(caption(QStringLiteral("Day")), 1, 0);
+  grid->addWidget(caption(QStringLiteral("Night")), 2, 0);
+  const char* day[] = {"day8040Field", "day3020Field", "day1715Field", "day1210Field"};
+  const char* night[] = {"night8040Field", "night3020Field", "night1715Field", "night1210Field"};
+  for (int i = 0; i < 4; ++i) {
+    place(day[i], 1, i + 1, QStringLiteral("Day ") + pairs[i]);
+    place(night[i], 2, i + 1, QStringLiteral("Night ") + pairs[i]);
+  }
+  grid->addWidget(caption(QStringLiteral("Solar flux")), 3, 0);
+  place("solarFluxField", 3, 1, QStringLiteral("Solar flux"));
+  grid->addWidget(caption(QStringLiteral("6 m")), 3, 2);
+  place("magicBandField", 3, 3, QStringLiteral("6 m band"));
+  grid->addWidget(caption(QStringLiteral("Noise")), 4, 0);
+  place("signalNoiseField", 4, 1, QStringLiteral("Noise level"));
+  if (QWidget* refresh = take("bandConditionsRefreshButton")) {
+    refresh->setAccessibleName(QStringLiteral("Refresh band conditions"));
+    grid->addWidget(refresh, 4, 3, 1, 2);
+  }
+  into->addWidget(box);
+}
+
 void MainWindow::buildGenericPage(QWidget* page, const std::string& tabOutlet, int pageIndex) {
   QWidget* content = scrollingContent(page);
   auto* v = new QVBoxLayout(content);
@@ -604,6 +646,13 @@ void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex
         break;
       case ui::Kind::Button:
         buttons.push_back(c->outlet());
+        break;
+      case ui::Kind::Label:
+        // A status line stands on its own under what it describes.
+        if (QWidget* w = take(c->outlet())) {
+          if (auto* l = qobject_cast<QLabel*>(w)) l->setWordWrap(true);
+          into->addWidget(w);
+        }
         break;
       default:
         if (!form) {

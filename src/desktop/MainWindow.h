@@ -69,6 +69,7 @@ class MainWindow : public QMainWindow {
   void buildMessagesPage(QWidget* page);
   void buildSettingsPage(QWidget* page);
   void buildMenuPage(QWidget* page, int index);
+  void buildBandConditions(QBoxLayout* into);
   void buildGenericPage(QWidget* page, const std::string& tabOutlet, int pageIndex);
   void fixFocusOrder();
 

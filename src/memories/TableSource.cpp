@@ -29,7 +29,7 @@ std::optional<ui::Cell> SerialPortDemoController::cellFor(const ui::Control& tab
                                                           int row) {
   if (row < 0 || row >= numberOfRows(table)) return std::nullopt;
   if (table.outlet() == "memoriesTable") return memories::memoriesCell(*this, column, row);
-  return std::nullopt;
+  return webListCell(table, column, row);
 }
 
 void SerialPortDemoController::cellTextEdited(ui::Control& table, int row, int column, const std::string& text) {

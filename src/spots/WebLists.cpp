@@ -1,12 +1,428 @@
-// The web lists: not built yet.
+// The five web lists on the controller: requests with a two-second deadline on
+// the event loop, the lists and their tables, the status line under each
+// table, the tune buttons and the confirmation of nets.
+#include "spots/WebLists.h"
+
+#include <chrono>
+
 #include "app/SerialPortDemoController.h"
+#include "cat/ReceiveBuffer.h"
 
 namespace tolvane {
 
-void SerialPortDemoController::refreshPota() {}
-void SerialPortDemoController::refreshSota() {}
-void SerialPortDemoController::refreshNetLogger() {}
-void SerialPortDemoController::refreshNets() {}
-void SerialPortDemoController::refreshMW() {}
+using namespace std::chrono_literals;
+using Outcome = SerialPortDemoController::WebFetch::Outcome;
+
+namespace {
+
+// How long a list waits for its answer before it shows what has arrived.
+constexpr platform::Duration kFetchWait = 2000ms;
+
+const char* serviceTitle(const std::string& name) {
+  const spots::Service* s = spots::findService(name);
+  return s ? s->title : "web";
+}
+
+}  // namespace
+
+double SerialPortDemoController::wallClock() const {
+  if (wallClock_) return wallClock_();
+  using namespace std::chrono;
+  return duration<double>(system_clock::now().time_since_epoch()).count();
+}
+
+std::string SerialPortDemoController::serviceAddress(const std::string& name) const {
+  if (auto it = serviceOverrides_.find(name); it != serviceOverrides_.end()) return it->second;
+  if (auto saved = sv_.settings.value(spots::serviceSettingsKey(name))) return *saved;
+  const spots::Service* s = spots::findService(name);
+  return s ? s->defaultAddress : "";
+}
+
+void SerialPortDemoController::overrideServiceAddress(const std::string& name, const std::string& address) {
+  serviceOverrides_[name] = address;
+}
+
+void SerialPortDemoController::fetchWebList(WebFetch& f, const std::string& service, const std::string& path,
+                                            platform::HttpRequest request,
+                                            std::function<void(const platform::HttpResponse&, bool)> answer,
+                                            std::function<void()> deadline) {
+  const unsigned generation = ++f.generation;
+  f.waiting = true;
+  f.outcome = Outcome::Pending;
+  f.detail.clear();
+  f.slot.clear();
+  const std::string base = serviceAddress(service);
+  if (base.empty()) {
+    f.outcome = Outcome::NoAddress;
+  } else {
+    request.url = spots::joinUrl(base, path);
+    sv_.http.send(request, [&f, generation, answer = std::move(answer)](const platform::HttpResponse& r) {
+      if (generation != f.generation) return;  // a newer request owns the list
+      const bool late = !f.waiting;
+      if (!r.ok || (r.status != 0 && (r.status < 200 || r.status > 299))) {
+        if (!late) {
+          f.outcome = r.ok ? Outcome::HttpError : Outcome::Failed;
+          f.detail = r.ok ? "HTTP " + std::to_string(r.status) : r.error;
+        }
+        return;
+      }
+      if (r.body.size() > spots::kMaxBodyBytes) {
+        if (!late) {
+          f.outcome = Outcome::Unreadable;
+          f.detail = "the answer is larger than 4 MiB";
+        }
+        return;
+      }
+      if (!late) f.outcome = Outcome::Answered;
+      answer(r, late);
+    });
+  }
+  sv_.scheduler.after(kFetchWait, [&f, generation, deadline = std::move(deadline)] {
+    if (generation != f.generation) return;
+    f.waiting = false;
+    deadline();
+  });
+}
+
+void SerialPortDemoController::showListStatus(const std::string& outlet, const WebFetch& f, const std::string& service,
+                                              std::size_t rows, const char* noun) {
+  ui::Control* label = control(outlet);
+  if (!label) return;
+  const std::string when = spots::utcClock(wallClock());
+  const std::string title = serviceTitle(service);
+  std::string text;
+  switch (f.outcome) {
+    case Outcome::Answered:
+      text = "Fetched at " + when + ": " + spots::counted(rows, noun) + ".";
+      break;
+    case Outcome::Unreadable:
+      text = "Fetched at " + when + ", but the answer could not be read" +
+             (f.detail.empty() ? std::string(" (see the console log).") : ": " + f.detail + ".");
+      break;
+    case Outcome::Failed:
+      text = "The " + title + " service could not be reached at " + when +
+             (f.detail.empty() ? std::string(".") : ": " + f.detail + ".");
+      break;
+    case Outcome::HttpError:
+      text = "The " + title + " service answered " + f.detail + " at " + when + ".";
+      break;
+    case Outcome::NoAddress:
+      text = "The " + title + " address is not set (Preferences, Web services).";
+      break;
+    case Outcome::Pending:
+      text = "No answer from the " + title + " service within 2 seconds (" + when + ").";
+      break;
+  }
+  label->setTitle(text);
+}
+
+// ---------------------------------------------------------------- POTA
+
+void SerialPortDemoController::refreshPota(std::function<void()> whenShown) {
+  tlPotaArray.clear();
+  const double now = wallClock();
+  platform::HttpRequest request;
+  request.timeout = 60s;
+  fetchWebList(
+      potaFetch_, "pota", "/spot/activator", request,
+      [this, now](const platform::HttpResponse& r, bool late) {
+        spots::Decoded d = spots::decodePota(r.body, now);
+        if (!d.error.empty()) {
+          sv_.log.line(d.error);
+          if (!late) potaFetch_.outcome = Outcome::Unreadable;
+          return;
+        }
+        // Late rows wait, unsorted, for the next reload of the table.
+        for (auto& row : d.rows) tlPotaArray.push_back(std::move(row));
+      },
+      [this, whenShown = std::move(whenShown)] {
+        if (!tlPotaArray.empty()) spots::sortPota(tlPotaArray);
+        if (ui::Control* t = control("potaTable")) t->reloadData();
+        showListStatus("potaStatusLabel", potaFetch_, "pota", tlPotaArray.size(), "spot");
+        if (whenShown) whenShown();
+      });
+}
+
+// ---------------------------------------------------------------- SOTA
+
+void SerialPortDemoController::refreshSota(std::function<void()> whenShown) {
+  tlSotaArray.clear();
+  const double now = wallClock();
+  platform::HttpRequest request;
+  request.timeout = 60s;
+  fetchWebList(
+      sotaFetch_, "sota", "/api/spots/-3/all", request,
+      [this, now](const platform::HttpResponse& r, bool late) {
+        spots::Decoded d = spots::decodeSota(r.body, now);
+        if (!d.error.empty()) {
+          sv_.log.line(d.error);
+          if (!late) sotaFetch_.outcome = Outcome::Unreadable;
+          return;
+        }
+        for (auto& row : d.rows) tlSotaArray.push_back(std::move(row));
+      },
+      [this, whenShown = std::move(whenShown)] {
+        if (ui::Control* t = control("sotaTable")) t->reloadData();
+        showListStatus("sotaStatusLabel", sotaFetch_, "sota", tlSotaArray.size(), "spot");
+        if (whenShown) whenShown();
+      });
+}
+
+// ---------------------------------------------------------------- tagged text lists
+
+namespace {
+
+// Keeps a tagged answer's text for the parse at the deadline; a late answer
+// is ignored, a body that is not UTF-8 counts as no answer.
+auto keepText(SerialPortDemoController::WebFetch& f) {
+  return [&f](const platform::HttpResponse& r, bool late) {
+    if (late) return;
+    if (!cat::isValidUtf8(r.body)) {
+      f.outcome = Outcome::Unreadable;
+      f.detail = "the answer is not UTF-8 text";
+      return;
+    }
+    f.slot = r.body;
+  };
+}
+
+platform::HttpRequest taggedRequest(platform::CachePolicy cache) {
+  platform::HttpRequest request;
+  request.timeout = 60s;
+  request.cache = cache;
+  return request;
+}
+
+}  // namespace
+
+void SerialPortDemoController::refreshNetLogger(std::function<void()> whenShown) {
+  tlNetLoggerArray.clear();
+  fetchWebList(netLoggerFetch_, "netlogger", "/api/GetActiveNets.php",
+               taggedRequest(platform::CachePolicy::UseProtocol), keepText(netLoggerFetch_),
+               [this, whenShown = std::move(whenShown)] {
+                 tlNetLoggerArray = spots::netLoggerRows(netLoggerFetch_.slot);
+                 if (ui::Control* t = control("netLoggerTable")) t->reloadData();
+                 showListStatus("netLoggerStatusLabel", netLoggerFetch_, "netlogger", tlNetLoggerArray.size(), "net");
+                 if (whenShown) whenShown();
+               });
+}
+
+void SerialPortDemoController::refreshNets(std::function<void()> whenShown) {
+  tlNetsArray.clear();
+  fetchWebList(netsFetch_, "nets", "/nets.php", taggedRequest(platform::CachePolicy::ReloadIgnoringCache),
+               keepText(netsFetch_), [this, whenShown = std::move(whenShown)] {
+                 tlNetsArray = spots::netsRows(netsFetch_.slot);
+                 if (ui::Control* t = control("netsTable")) t->reloadData();
+                 showListStatus("netsStatusLabel", netsFetch_, "nets", tlNetsArray.size(), "net");
+                 if (whenShown) whenShown();
+               });
+}
+
+void SerialPortDemoController::refreshMW(std::function<void()> whenShown) {
+  tlMWArray.clear();
+  fetchWebList(mwFetch_, "mw", "/mw.php", taggedRequest(platform::CachePolicy::ReloadIgnoringCache), keepText(mwFetch_),
+               [this, whenShown = std::move(whenShown)] {
+                 tlMWArray = spots::mwRows(mwFetch_.slot);
+                 if (ui::Control* t = control("mwTable")) t->reloadData();
+                 showListStatus("mwStatusLabel", mwFetch_, "mw", tlMWArray.size(), "station");
+                 if (whenShown) whenShown();
+               });
+}
+
+void SerialPortDemoController::startWebListChain() {
+  // The lists start one after another, each when the previous one's wait is over.
+  refreshPota();
+  sv_.scheduler.after(2s, [this] { refreshNetLogger(); });
+  sv_.scheduler.after(4s, [this] { refreshSota(); });
+  sv_.scheduler.after(6s, [this] { refreshNets(); });
+  sv_.scheduler.after(8s, [this] { refreshMW(); });
+}
+
+// ---------------------------------------------------------------- tuning
+
+void SerialPortDemoController::tuneTo(const std::vector<ListRow>& list, int tag,
+                                      const std::function<std::optional<std::string>(const ListRow&)>& build,
+                                      std::size_t spokenField) {
+  if (tag < 0 || tag >= static_cast<int>(list.size())) return;  // a stale button
+  const ListRow& row = list[static_cast<std::size_t>(tag)];
+  const std::optional<std::string> text = build(row);
+  if (!text) return;  // a frequency that is not a number sends nothing
+  cmd = *text;
+  transmit(cmd);
+  if (spokenField < row.size()) speak(row[spokenField]);
+}
+
+void SerialPortDemoController::goPotaTune(ui::Control& sender) {
+  tuneTo(
+      tlPotaArray, sender.tag(), [this](const ListRow& r) { return spots::potaTune(r, tlAorB); }, 4);
+}
+
+void SerialPortDemoController::goSotaTune(ui::Control& sender) {
+  tuneTo(
+      tlSotaArray, sender.tag(), [this](const ListRow& r) { return spots::sotaTune(r, tlAorB); }, 6);
+}
+
+void SerialPortDemoController::goNetsTune(ui::Control& sender) {
+  tuneTo(
+      tlNetsArray, sender.tag(), [this](const ListRow& r) { return spots::netsTune(r, tlAorB); }, 0);
+}
+
+void SerialPortDemoController::goNetLoggerTune(ui::Control& sender) {
+  tuneTo(
+      tlNetLoggerArray, sender.tag(),
+      [this](const ListRow& r) { return std::optional<std::string>(spots::netLoggerTune(r, tlAorB)); }, 0);
+}
+
+void SerialPortDemoController::goMWTune(ui::Control& sender) {
+  tuneTo(
+      tlMWArray, sender.tag(),
+      [this](const ListRow& r) {
+        std::int64_t hertz = 0;
+        std::optional<std::string> text = spots::mwTune(r, tlAorB, &hertz);
+        if (text) {
+          sv_.log.line(std::to_string(hertz));
+          sv_.log.line(*text);
+        }
+        return text;
+      },
+      0);
+}
+
+// ---------------------------------------------------------------- nets confirmation
+
+void SerialPortDemoController::netConfirmation(int row, int action) {
+  if (row < 0 || row >= static_cast<int>(tlNetsArray.size())) return;
+  const ListRow& net = tlNetsArray[static_cast<std::size_t>(row)];
+  if (net.size() < 7 || net[6].empty()) return;  // no net id: nothing to confirm
+  const std::optional<std::string> body = spots::netConfirmationBody(netsUserKey_, net[6], action);
+  if (!body) return;
+  const std::string base = serviceAddress("nets");
+  if (!base.empty()) {
+    platform::HttpRequest request;
+    request.method = "POST";
+    request.url = spots::joinUrl(base, "/netconf.php");
+    request.headers["Content-Type"] = "Application/json";
+    request.body = *body;
+    request.timeout = 30s;
+    request.cache = platform::CachePolicy::ReloadIgnoringCache;
+    sv_.http.send(request, [](const platform::HttpResponse&) {});  // the answer is not used
+  }
+  refreshNets([this, row, action] {
+    if (action == 1) {
+      const bool listed =
+          row < static_cast<int>(tlNetsArray.size()) && !tlNetsArray[static_cast<std::size_t>(row)].empty();
+      speak("thank you for confirming " + (listed ? tlNetsArray[static_cast<std::size_t>(row)][0] : std::string()));
+    } else {
+      speak("your confirmation of this net has been retracted");
+    }
+  });
+}
+
+void SerialPortDemoController::goNetsConfirm(ui::Control& sender) { netConfirmation(sender.tag(), 1); }
+void SerialPortDemoController::goNetsUnconfirm(ui::Control& sender) { netConfirmation(sender.tag(), 0); }
+
+// ---------------------------------------------------------------- cells
+
+namespace {
+
+ui::Cell text(std::string t) {
+  ui::Cell c;
+  c.text = std::move(t);
+  return c;
+}
+
+}  // namespace
+
+std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control& table, const std::string& column,
+                                                              int row) {
+  const std::string& t = table.outlet();
+  const auto r = static_cast<std::size_t>(row);
+  auto button = [this, row](const char* outlet, const char* title,
+                            void (SerialPortDemoController::*action)(ui::Control&)) {
+    ui::Cell c;
+    c.kind = ui::CellKind::Button;
+    c.text = title;
+    c.outlet = outlet;
+    c.tag = row;
+    c.action = [this, action](ui::Control& sender) { (this->*action)(sender); };
+    return c;
+  };
+  // A link opens its address in the browser; with no address it is plain text.
+  auto link = [this](std::string shown, std::string address) {
+    if (address.empty()) return text(std::move(shown));
+    ui::Cell c;
+    c.kind = ui::CellKind::Link;
+    c.text = std::move(shown);
+    c.address = address;
+    c.action = [this, address](ui::Control&) { sv_.browser.openUrl(address); };
+    return c;
+  };
+  auto site = [this](const char* service, const std::string& path) {
+    const std::string base = serviceAddress(service);
+    return base.empty() ? std::string() : spots::joinUrl(base, path);
+  };
+
+  if (t == "potaTable") {
+    const ListRow& f = tlPotaArray[r];
+    if (f.size() < 10) return std::nullopt;
+    if (column == "tune") return button("potaTableTuneButton", "Tune", &SerialPortDemoController::goPotaTune);
+    if (column == "activator") return text(f[0]);
+    if (column == "frequency") return text(spots::kilohertzCell(f[1], 1.0f));
+    if (column == "mode") return text(f[2]);
+    if (column == "comment") return text(f[3]);
+    if (column == "name") return link(f[4], site("map", spots::mapQuery(f[6], f[7])));
+    if (column == "last") return text(f[5] + " min");
+    if (column == "location") return text(f[8]);
+    if (column == "reference") return link(f[9], site("pota-web", "/#/park/" + f[9]));
+  } else if (t == "sotaTable") {
+    const ListRow& f = tlSotaArray[r];
+    if (f.size() < 10) return std::nullopt;
+    if (column == "tune2") return button("sotaTableTuneButton", "Tune", &SerialPortDemoController::goSotaTune);
+    if (column == "activator2") return text(f[0]);
+    if (column == "activatorName") return text(f[1] == "Not recognised" ? "--" : f[1]);
+    if (column == "frequency2") return text(spots::kilohertzCell(f[2], 1000.0f));
+    if (column == "mode2") {
+      std::string upper = f[3];
+      for (char& ch : upper)
+        if (ch >= 'a' && ch <= 'z') ch = static_cast<char>(ch - 'a' + 'A');
+      return text(upper);
+    }
+    if (column == "comment2") return text(f[4]);
+    if (column == "name2") return text(f[6] == "Summit not recognised" ? "--" : f[6]);
+    if (column == "last2") return text(f[9] + " min");
+    if (column == "location2") return text(f[7]);
+    if (column == "reference2") return text(f[8]);
+  } else if (t == "netLoggerTable") {
+    const ListRow& f = tlNetLoggerArray[r];
+    if (f.size() < 4) return std::nullopt;
+    if (column == "tune") return button("netLoggerTableTuneButton", "Tune", &SerialPortDemoController::goNetLoggerTune);
+    if (column == "freq") return text(spots::netLoggerFrequencyCell(f[1]));
+    if (column == "mode2") return text(f[2]);
+    if (column == "netName") return text(f[0]);
+    if (column == "checkIns") return text(f[3]);
+  } else if (t == "netsTable") {
+    const ListRow& f = tlNetsArray[r];
+    if (f.size() < 7) return std::nullopt;
+    if (column == "tune3") return button("netsTableTuneButton", "Tune", &SerialPortDemoController::goNetsTune);
+    if (column == "utc") return text(f[2]);
+    if (column == "freq") return text(f[1]);
+    if (column == "netName") return link(f[0], f[4]);
+    if (column == "mode") return text(f[3]);
+    if (column == "confirmed") return text(f[5]);
+    if (column == "confirm")
+      return button("netsTableConfirmButton", "Confirm", &SerialPortDemoController::goNetsConfirm);
+    if (column == "unconfirm")
+      return button("netsTableUnconfirmButton", "Withdraw", &SerialPortDemoController::goNetsUnconfirm);
+  } else if (t == "mwTable") {
+    const ListRow& f = tlMWArray[r];
+    if (f.size() < 5) return std::nullopt;
+    if (column == "tune3") return button("mwTableTuneButton", "Tune", &SerialPortDemoController::goMWTune);
+    if (column == "station") return link(f[0], f[4]);
+    if (column == "freq") return text(f[1]);
+    if (column == "city") return text(f[2]);
+    if (column == "power") return text(f[3] + " kW");
+  }
+  return std::nullopt;
+}
 
 }  // namespace tolvane

@@ -307,9 +307,13 @@ TEST_F(Buttons, WebPageAndListRefreshesResendTheBuffer) {
   EXPECT_EQ(rig.browser.opened, (std::vector<std::string>{startup::kMakerSite}));
   rig.sounds.played.clear();
   for (int tag = 810; tag <= 814; ++tag) EXPECT_EQ(press(tag).substr(0, 5), "MD02;");
+  // "Funk" follows each list's two-second wait.
+  EXPECT_TRUE(rig.sounds.played.empty());
+  rig.scheduler.advance(std::chrono::milliseconds(2000));
   EXPECT_EQ(rig.sounds.played, std::vector<std::string>(5, "resource:Funk"));
   rig.c().tlSounds = "0";
   press(811);
+  rig.scheduler.advance(std::chrono::milliseconds(2000));
   EXPECT_EQ(rig.sounds.played.size(), 5u);
 }
 
