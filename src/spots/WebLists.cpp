@@ -107,7 +107,7 @@ void SerialPortDemoController::showListStatus(const std::string& outlet, const W
       text = "The " + title + " service answered " + f.detail + " at " + when + ".";
       break;
     case Outcome::NoAddress:
-      text = "The " + title + " address is not set (Preferences, Web services).";
+      text = "The " + title + " address is not set.";
       break;
     case Outcome::Pending:
       text = "No answer from the " + title + " service within 2 seconds (" + when + ").";

@@ -475,7 +475,7 @@ TEST_F(WebLists, FailuresLeaveListsEmptyAndSaySoUnderTheTable) {
   rig.c().refreshNets();
   rig.scheduler.advance(2s);
   EXPECT_TRUE(rig.http.requests.back().url.find("nets.php") == std::string::npos);
-  EXPECT_EQ(rig.at("netsStatusLabel").title(), "The Nets list address is not set (Preferences, Web services).");
+  EXPECT_EQ(rig.at("netsStatusLabel").title(), "The Nets list address is not set.");
 }
 
 TEST_F(WebLists, RefreshButtonsPlayFunkWhenTheListIsShown) {
