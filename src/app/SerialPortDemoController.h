@@ -8,8 +8,8 @@
 #include <array>
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -171,6 +171,8 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void memoryReadTimedOut(std::uint64_t serial);
   // Backups, export and import of the memory channels (CSV files).
   void setFiles(platform::Files* files) { files_ = files; }
+  // Where the operator's manual is (a file:// address); the manual button opens it.
+  void setManualAddress(std::string address) { manualAddress_ = std::move(address); }
   void exportMemories();
   void importMemories();
   void restoreMemoryBackup();
@@ -318,6 +320,7 @@ class SerialPortDemoController : public platform::SerialPortListener,
 
   platform::Services sv_;
   platform::Files* files_ = nullptr;
+  std::string manualAddress_;
   ui::Window& window_;
   platform::SerialPortPtr serialPort_;
   std::vector<platform::SerialPortPtr> listedPorts_;

@@ -146,7 +146,7 @@ void buildOperatePage(ui::Window& w, Control& tab) {
   button(w, tab, p, "stepDownLargeButton", 453, "Down 110");
   button(w, tab, p, "quickMemoryInButton", 460, "QMB store");
   button(w, tab, p, "quickMemoryRecallButton", 461, "QMB recall");
-  button(w, tab, p, "makerPageButton", 805, "Web page");
+  button(w, tab, p, "makerPageButton", 805, "Manual");
 
   // Band conditions: the box's title and fields are set by each refresh.
   w.addOn(tab, p, "bandBox", Kind::Box).setTitle("Band Conditions - ");

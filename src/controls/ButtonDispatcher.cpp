@@ -154,7 +154,9 @@ void SerialPortDemoController::go(ui::Control& sender) {
     sender.setBezel(ui::Bezel::Blue);
     cmd = mode;
   } else if (tag == 805) {
-    sv_.browser.openUrl(startup::kMakerSite);
+    // The program's own manual, installed with it; nothing to open when the
+    // program could not find it.
+    if (!manualAddress_.empty()) sv_.browser.openUrl(manualAddress_);
   } else if (tag >= controls::kRefreshBandConditions && tag <= controls::kRefreshNets) {
     // "Funk" plays when the refreshed list is shown, after its wait.
     auto funk = [this] { playSound("Funk"); };

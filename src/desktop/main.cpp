@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
+#include <QUrl>
 #include <chrono>
 #include <cstdio>
 #include <memory>
@@ -117,6 +118,8 @@ int main(int argc, char** argv) {
   alerts.setParent(&window);
   files.setParent(&window);
   controller.setFiles(&files);
+  if (const QString manual = desktop::manualPath(); !manual.isEmpty())
+    controller.setManualAddress(QUrl::fromLocalFile(manual).toString().toStdString());
 
   if (tracing()) {
     binder.setRepaintHook([](const ui::Control& c) {

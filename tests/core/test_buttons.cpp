@@ -301,10 +301,15 @@ TEST_F(Buttons, MessageButtonsFollowTheModeAndLogNewestFirst) {
   EXPECT_EQ(rig.at("sentTextMemoryField").text(), "");
 }
 
-TEST_F(Buttons, WebPageAndListRefreshesResendTheBuffer) {
+TEST_F(Buttons, ManualAndListRefreshesResendTheBuffer) {
   rig.c().cmd = "MD02;";
+  // Without a manual found there is nothing to open; with one, its address.
   EXPECT_EQ(press(rig.at("makerPageButton")), "MD02;BI1;");
-  EXPECT_EQ(rig.browser.opened, (std::vector<std::string>{startup::kMakerSite}));
+  EXPECT_TRUE(rig.browser.opened.empty());
+  rig.c().setManualAddress("file:///usr/share/tolvane/manual.md");
+  // The buffer already holds the first press's "BI1;".
+  EXPECT_EQ(press(rig.at("makerPageButton")), "MD02;BI1;BI1;");
+  EXPECT_EQ(rig.browser.opened, (std::vector<std::string>{"file:///usr/share/tolvane/manual.md"}));
   rig.sounds.played.clear();
   for (int tag = 810; tag <= 814; ++tag) EXPECT_EQ(press(tag).substr(0, 5), "MD02;");
   // "Funk" follows each list's two-second wait.
