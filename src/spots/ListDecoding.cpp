@@ -192,33 +192,41 @@ std::string ageText(double now, std::optional<std::int64_t> spotTime) {
 
 }  // namespace
 
-Decoded decodePota(std::string_view body, double now) {
+// Decodes a JSON array of spots, one row per element as `rowOf` builds it
+// (nothing to leave the spot out). A spot that lacks a required member or has
+// one of another type makes the whole answer undecodable.
+template <typename RowOf>
+static Decoded decodeSpots(std::string_view body, RowOf rowOf) {
   Decoded out;
   const std::optional<json> doc = spotArray(body, out.error);
   if (!doc) return out;
   try {
     std::vector<Row> rows;
-    for (std::size_t i = 0; i < doc->size(); ++i) {
-      const json& spot = (*doc)[i];
-      Row row{requiredText(spot, i, "activator"),
-              requiredText(spot, i, "frequency"),
-              requiredText(spot, i, "mode"),
-              requiredText(spot, i, "comments"),
-              requiredText(spot, i, "name"),
-              {},
-              shortestFloatText(optionalFloat(spot, i, "latitude")),
-              shortestFloatText(optionalFloat(spot, i, "longitude")),
-              requiredText(spot, i, "locationDesc"),
-              requiredText(spot, i, "reference")};
-      row[5] = ageText(now, parseUtc(requiredText(spot, i, "spotTime")));
-      if (lowerAscii(row[3]).find("qrt") != std::string::npos) continue;
-      rows.push_back(std::move(row));
-    }
+    for (std::size_t i = 0; i < doc->size(); ++i)
+      if (std::optional<Row> row = rowOf((*doc)[i], i)) rows.push_back(std::move(*row));
     out.rows = std::move(rows);
   } catch (const DecodeError& e) {
     out.error = e.what();
   }
   return out;
+}
+
+Decoded decodePota(std::string_view body, double now) {
+  return decodeSpots(body, [now](const json& spot, std::size_t i) -> std::optional<Row> {
+    Row row{requiredText(spot, i, "activator"),
+            requiredText(spot, i, "frequency"),
+            requiredText(spot, i, "mode"),
+            requiredText(spot, i, "comments"),
+            requiredText(spot, i, "name"),
+            {},
+            shortestFloatText(optionalFloat(spot, i, "latitude")),
+            shortestFloatText(optionalFloat(spot, i, "longitude")),
+            requiredText(spot, i, "locationDesc"),
+            requiredText(spot, i, "reference")};
+    row[5] = ageText(now, parseUtc(requiredText(spot, i, "spotTime")));
+    if (lowerAscii(row[3]).find("qrt") != std::string::npos) return std::nullopt;
+    return row;
+  });
 }
 
 void sortPota(std::vector<Row>& rows) {
@@ -227,46 +235,35 @@ void sortPota(std::vector<Row>& rows) {
 }
 
 Decoded decodeSota(std::string_view body, double now) {
-  Decoded out;
-  const std::optional<json> doc = spotArray(body, out.error);
-  if (!doc) return out;
-  try {
-    std::vector<Row> rows;
-    for (std::size_t i = 0; i < doc->size(); ++i) {
-      const json& spot = (*doc)[i];
-      const std::string stamp = requiredText(spot, i, "timeStamp");
-      const std::optional<std::string> comments = optionalText(spot, i, "comments");
-      Row row{requiredText(spot, i, "activatorCallsign"),
-              requiredText(spot, i, "activatorName"),
-              requiredText(spot, i, "frequency"),
-              requiredText(spot, i, "mode"),
-              comments ? *comments : std::string(" "),
-              requiredText(spot, i, "summitCode"),
-              {},
-              " ",
-              " ",
-              {}};
-      const std::string details = requiredText(spot, i, "summitDetails");
-      const auto stampPieces = pieces(stamp, '.');
-      row[9] = ageText(now, stampPieces.empty() ? std::nullopt : parseUtc(stampPieces.front()));
-      const auto parts = pieces(details, ',');
-      if (parts.size() >= 3) {
-        row[6] = std::string(parts[0]);
-        row[7] = trimmed(parts[1]);
-        row[8] = trimmed(parts[2]);
-      } else {
-        row[6] = details;
-      }
-      const float mhz = readFloat(row[2]).value_or(0.0f);
-      const float whole = std::trunc(mhz);
-      if (whole < 2.0f || whole > 69.0f) continue;
-      rows.push_back(std::move(row));
+  return decodeSpots(body, [now](const json& spot, std::size_t i) -> std::optional<Row> {
+    const std::string stamp = requiredText(spot, i, "timeStamp");
+    const std::optional<std::string> comments = optionalText(spot, i, "comments");
+    Row row{requiredText(spot, i, "activatorCallsign"),
+            requiredText(spot, i, "activatorName"),
+            requiredText(spot, i, "frequency"),
+            requiredText(spot, i, "mode"),
+            comments ? *comments : std::string(" "),
+            requiredText(spot, i, "summitCode"),
+            {},
+            " ",
+            " ",
+            {}};
+    const std::string details = requiredText(spot, i, "summitDetails");
+    const auto stampPieces = pieces(stamp, '.');
+    row[9] = ageText(now, stampPieces.empty() ? std::nullopt : parseUtc(stampPieces.front()));
+    const auto parts = pieces(details, ',');
+    if (parts.size() >= 3) {
+      row[6] = std::string(parts[0]);
+      row[7] = trimmed(parts[1]);
+      row[8] = trimmed(parts[2]);
+    } else {
+      row[6] = details;
     }
-    out.rows = std::move(rows);
-  } catch (const DecodeError& e) {
-    out.error = e.what();
-  }
-  return out;
+    const float mhz = readFloat(row[2]).value_or(0.0f);
+    const float whole = std::trunc(mhz);
+    if (whole < 2.0f || whole > 69.0f) return std::nullopt;
+    return row;
+  });
 }
 
 // ---------------------------------------------------------------- tagged text lists

@@ -3,21 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "share/FlrigMethods.h"
+#include "support/FakeSharedRig.h"
 
 namespace tolvane::share {
 namespace {
 
-struct FakeRig : SharedRig {
-  RigState s;
-  bool open = true;
-  std::string sent;
-  RigState state() const override { return s; }
-  bool send(std::string_view commands) override {
-    if (!open) return false;
-    sent += commands;
-    return true;
-  }
-};
+using FakeRig = test::FakeSharedRig;
 
 XmlRpcValue text(std::string t) {
   XmlRpcValue v;

@@ -4,22 +4,13 @@
 
 #include "share/ControllerRig.h"
 #include "share/RigctlSession.h"
+#include "support/FakeSharedRig.h"
 #include "support/Harness.h"
 
 namespace tolvane::share {
 namespace {
 
-struct FakeRig : SharedRig {
-  RigState s;
-  bool open = true;
-  std::string sent;
-  RigState state() const override { return s; }
-  bool send(std::string_view commands) override {
-    if (!open) return false;
-    sent += commands;
-    return true;
-  }
-};
+using FakeRig = test::FakeSharedRig;
 
 class Rigctl : public ::testing::Test {
  protected:
