@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "desktop/Resources.h"
+#include "spots/WebLists.h"
 
 namespace tolvane::desktop {
 
@@ -29,12 +30,22 @@ Options parseCommandLine(const QStringList& arguments) {
   const QCommandLineOption shareAddress(QStringLiteral("share-address"),
                                         QStringLiteral("Listen for sharing clients on ADDR instead of 127.0.0.1."),
                                         QStringLiteral("ADDR"));
+  QString names;
+  for (const spots::Service& s : spots::kServices)
+    names += (names.isEmpty() ? QString() : QStringLiteral(", ")) + QString::fromLatin1(s.name);
+  const QCommandLineOption service(
+      QStringLiteral("service"),
+      QStringLiteral("Read the web service NAME at URL for this run (repeatable; an empty URL leaves that list "
+                     "unfetched). NAME is one of %1.")
+          .arg(names),
+      QStringLiteral("NAME=URL"));
   parser.addOption(port);
   parser.addOption(connect);
   parser.addOption(list);
   parser.addOption(rigctld);
   parser.addOption(flrig);
   parser.addOption(shareAddress);
+  parser.addOption(service);
   if (!parser.parse(arguments)) {
     std::fprintf(stderr, "%s\n\n%s", qPrintable(parser.errorText()), qPrintable(parser.helpText()));
     std::exit(2);
@@ -67,6 +78,14 @@ Options parseCommandLine(const QStringList& arguments) {
       std::fprintf(stderr, "--share-address takes an IP address, not \"%s\"\n", qPrintable(o.shareAddress));
       std::exit(2);
     }
+  }
+  for (const QString& value : parser.values(service)) {
+    const spots::ServiceOverride s = spots::parseServiceOverride(value.toStdString());
+    if (!s.problem.empty()) {
+      std::fprintf(stderr, "--service %s\n", s.problem.c_str());
+      std::exit(2);
+    }
+    o.services.emplace_back(s.name, s.address);
   }
   return o;
 }

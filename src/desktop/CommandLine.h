@@ -1,8 +1,12 @@
-// The program's command line: --port NAME, --connect, --list-ports, --version, --help.
+// The program's command line: --port NAME, --connect, --list-ports, the rig
+// sharing and web service addresses of one run, --version, --help.
 #pragma once
 
 #include <QString>
 #include <QStringList>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tolvane::desktop {
 
@@ -14,6 +18,8 @@ struct Options {
   int rigctldPort = -1;
   int flrigPort = -1;
   QString shareAddress;  // empty keeps the preference
+  // Web service addresses for this run only (--service NAME=URL), in order.
+  std::vector<std::pair<std::string, std::string>> services;
 };
 
 // Parses the arguments; --help and --version print and exit the process.

@@ -132,6 +132,8 @@ int main(int argc, char** argv) {
     watchStalls(&root);
   }
 
+  // Before the start-up fetches, which read the addresses.
+  for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
   controller.awakeFromNib();
   if (!options.port.isEmpty()) {
     bool found = false;

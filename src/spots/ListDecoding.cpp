@@ -473,6 +473,24 @@ std::string serviceAddressProblem(std::string_view address) {
   return {};
 }
 
+ServiceOverride parseServiceOverride(std::string_view text) {
+  ServiceOverride o;
+  const auto equals = text.find('=');
+  if (equals == std::string_view::npos) {
+    o.problem = "takes NAME=URL, not \"" + std::string(text) + "\"";
+    return o;
+  }
+  o.name = std::string(text.substr(0, equals));
+  o.address = std::string(text.substr(equals + 1));
+  if (!findService(o.name)) {
+    o.problem = "knows no service \"" + o.name + "\"; the names are";
+    for (const Service& s : kServices) o.problem += std::string(" ") + s.name;
+    return o;
+  }
+  if (const std::string why = serviceAddressProblem(o.address); !why.empty()) o.problem = o.name + ": " + why;
+  return o;
+}
+
 std::string joinUrl(std::string_view base, std::string_view path) {
   while (!base.empty() && base.back() == '/') base.remove_suffix(1);
   std::string out(base);

@@ -120,6 +120,15 @@ std::string serviceSettingsKey(std::string_view name);
 // Why an address cannot be used ("" when it can): an http or https address
 // with a host and no blanks, or the empty text (the list is not fetched).
 std::string serviceAddressProblem(std::string_view address);
+// A "NAME=URL" text of the command line: the service and its address for one
+// run. `problem` says what is wrong ("" when nothing is); an empty URL means
+// that list is not fetched in this run.
+struct ServiceOverride {
+  std::string name;
+  std::string address;
+  std::string problem;
+};
+ServiceOverride parseServiceOverride(std::string_view text);
 // The base address and a path joined with exactly one "/".
 std::string joinUrl(std::string_view base, std::string_view path);
 

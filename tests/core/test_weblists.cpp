@@ -298,6 +298,15 @@ TEST(ServiceAddresses, ProblemsAndJoins) {
   EXPECT_EQ(spots::serviceAddressProblem("http://a b"), "the address must not contain blanks");
   EXPECT_EQ(spots::joinUrl("http://h:1/", "/spot/activator"), "http://h:1/spot/activator");
   EXPECT_EQ(spots::joinUrl("http://h:1/base", "/nets.php"), "http://h:1/base/nets.php");
+  // The command line's NAME=URL.
+  const auto local = spots::parseServiceOverride("pota=http://127.0.0.1:8080");
+  EXPECT_EQ(local.name + " " + local.address + local.problem, "pota http://127.0.0.1:8080");
+  EXPECT_EQ(spots::parseServiceOverride("mw=").problem, "");
+  EXPECT_EQ(spots::parseServiceOverride("pota").problem, "takes NAME=URL, not \"pota\"");
+  EXPECT_EQ(spots::parseServiceOverride("dx=http://h").problem,
+            "knows no service \"dx\"; the names are pota pota-web map sota netlogger nets mw hamqsl");
+  EXPECT_EQ(spots::parseServiceOverride("sota=api2.example").problem,
+            "sota: the address must begin with http:// or https://");
   EXPECT_EQ(spots::utcClock(1714558530.9), "10:15 UTC");
   EXPECT_EQ(spots::counted(1, "spot"), "1 spot");
   EXPECT_EQ(spots::counted(0, "net"), "0 nets");
