@@ -64,6 +64,7 @@ void SerialPortDemoController::reopenReturnedPort() {
     }
   }
   if (!back) return;
+  const PortIdentity awaited = *reconnectTo_;
   reconnectTo_.reset();
   if (serialPort_ && serialPort_ != back && serialPort_->isOpen()) return;  // the operator moved on
   choosePort(back->description());
@@ -72,6 +73,11 @@ void SerialPortDemoController::reopenReturnedPort() {
       "Serial Port Reconnected", "Serial Port " + back->name() + " was connected to your computer again and reopened.");
   if (id) sv_.scheduler.after(3s, [this, id] { sv_.notifications.remove(id); });
   if (!back->isOpen()) openOrClosePort();
+  // A device that is not ready yet stays awaited for its next return.
+  if (!back->isOpen()) {
+    reconnectWanted_ = true;
+    reconnectTo_ = awaited;
+  }
 }
 
 }  // namespace tolvane

@@ -65,6 +65,7 @@ void QtSerialPort::open(const platform::SerialSettings& s) {
     if (listener_) listener_->serialPortFailedToOpen(*this, failure);
     return;
   }
+  removed_ = false;
   if (listener_) listener_->serialPortWasOpened(*this);
 }
 
@@ -215,6 +216,7 @@ void QtSerialPort::handleError(QSerialPort::SerialPortError error) {
       // again, and report the removal; the listener shows it as a close.
       port_.clearError();
       port_.close();
+      removed_ = true;
       if (listener_) listener_->serialPortWasRemovedFromSystem(*this);
       return;
     }
@@ -312,7 +314,7 @@ platform::SerialPortPtr QtPortManager::portFor(const QString& location) {
 void QtPortManager::addExtraPort(const QString& location) {
   if (std::find(extra_.begin(), extra_.end(), location) != extra_.end()) return;
   extra_.push_back(location);
-  extraPresent_[location] = QFileInfo::exists(location);
+  extraTarget_[location] = QFileInfo(location).canonicalFilePath();
   if (!extraTimer_) {
     extraTimer_ = new QTimer(this);
     extraTimer_->setInterval(500);
@@ -324,12 +326,19 @@ void QtPortManager::addExtraPort(const QString& location) {
 void QtPortManager::checkExtraPorts() {
   std::vector<std::string> came, went;
   for (const QString& e : extra_) {
-    // A link to a terminal that is gone does not exist: exists() follows it.
-    const bool present = QFileInfo::exists(e);
-    bool& was = extraPresent_[e];
-    if (present == was) continue;
-    was = present;
-    (present ? came : went).push_back(e.toStdString());
+    // The device behind the name ("" when missing; a link to a terminal that
+    // is gone is missing). A new device behind the same name is a removal and
+    // an arrival; so is a device that came back after its port was removed.
+    const QString now = QFileInfo(e).canonicalFilePath();
+    QString& was = extraTarget_[e];
+    auto it = ports_.find(e);
+    auto* port = it == ports_.end() ? nullptr : dynamic_cast<QtSerialPort*>(it->second.get());
+    const bool returned = !now.isEmpty() && port && port->wasRemoved();
+    if (now == was && !returned) continue;
+    if (now != was && !was.isEmpty()) went.push_back(e.toStdString());
+    if (!now.isEmpty()) came.push_back(e.toStdString());
+    was = now;
+    if (port && !now.isEmpty()) port->forgetRemoval();
   }
   if (!listener_) return;
   if (!went.empty()) listener_->serialPortsWereDisconnected(went);

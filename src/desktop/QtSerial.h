@@ -48,6 +48,9 @@ class QtSerialPort : public QObject, public platform::SerialPort {
 
   // The device file: a path as given, or /dev/ before a system name.
   QString devicePath() const;
+  // Whether the device went away while open (until the next open).
+  bool wasRemoved() const { return removed_; }
+  void forgetRemoval() { removed_ = false; }
 
  private:
   platform::OpenFailure explainFailure(QSerialPort::SerialPortError error, const QString& text) const;
@@ -58,6 +61,7 @@ class QtSerialPort : public QObject, public platform::SerialPort {
   QString location_;
   std::string name_;
   std::int64_t baud_ = 38400;
+  bool removed_ = false;
   mutable std::string serial_;  // read while the device is present, kept after it goes
   platform::SerialPortListener* listener_ = nullptr;
   std::function<bool()> present_;
@@ -129,7 +133,7 @@ class QtPortManager : public QObject, public platform::PortManager {
   std::map<QString, platform::SerialPortPtr> ports_;
   std::vector<QString> systemNames_;
   std::vector<QString> extra_;
-  std::map<QString, bool> extraPresent_;
+  std::map<QString, QString> extraTarget_;
   QTimer* extraTimer_ = nullptr;
   std::unique_ptr<UdevMonitor> monitor_;
   HotPlugBatch batch_;

@@ -240,6 +240,20 @@ TEST(PortCare, ADifferentDeviceIsNotOpenedAndWithoutSerialNumbersTheNameDecides)
   EXPECT_FALSE(elsewhere->isOpen());
 }
 
+TEST(PortCare, AReturnThatDoesNotOpenYetKeepsThePortAwaited) {
+  Rig rig;
+  rig.openPortAndSettle();
+  auto back = std::make_shared<FakeSerialPort>("ttyUSB0", "USB Serial", &rig.scheduler);
+  back->refuseOpen = failure(Reason::Other, "/dev/ttyUSB0", "", "", "", "Input/output error");
+  unplugAndReturn(rig, back);
+  EXPECT_FALSE(back->isOpen());
+  EXPECT_TRUE(rig.c().awaitingReturn());
+  back->refuseOpen.reset();
+  rig.ports.listener->serialPortsWereConnected({"ttyUSB0"});
+  EXPECT_TRUE(back->isOpen());
+  EXPECT_FALSE(rig.c().awaitingReturn());
+}
+
 TEST(PortCare, DisconnectTurnsReopeningOffUntilTheNextConnect) {
   Rig rig;
   rig.openPortAndSettle();
