@@ -262,7 +262,7 @@ QString accessibleNameFor(const ui::Control& c) {
       {"stepDownLargeButton", "Step down 110"},
       {"quickMemoryInButton", "Quick memory store"},
       {"quickMemoryRecallButton", "Quick memory recall"},
-      {"makerPageButton", "Maker's web page"},
+      {"makerPageButton", "Open the manual"},
   };
   const std::string& o = c.outlet();
   if (auto it = names.find(o); it != names.end()) return QString::fromUtf8(it->second);

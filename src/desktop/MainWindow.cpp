@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -172,6 +173,52 @@ void MainWindow::buildMenus() {
   QAction* quit = file->addAction(QStringLiteral("&Quit"));
   quit->setShortcut(QKeySequence::Quit);
   connect(quit, &QAction::triggered, this, &QWidget::close);
+
+  // Every page has a shortcut, Ctrl+1 to Ctrl+7 in tab order, and Ctrl+F
+  // puts the focus in the frequency field of the operating page.
+  QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
+  const ui::Control& main = binder_.model().at("mainTab");
+  for (int i = 0; i < static_cast<int>(main.entries().size()) && i < 9; ++i) {
+    QAction* page = go->addAction(QString::fromStdString(main.entries()[static_cast<std::size_t>(i)].title));
+    page->setObjectName(QStringLiteral("goPage%1").arg(i));
+    page->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i)));
+    connect(page, &QAction::triggered, this, [this, i] {
+      if (auto* tabs = binder_.widgetAs<QTabWidget>("mainTab")) tabs->setCurrentIndex(i);
+    });
+  }
+  go->addSeparator();
+  QAction* freq = go->addAction(QStringLiteral("&Frequency field"));
+  freq->setObjectName(QStringLiteral("goFrequency"));
+  freq->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+  connect(freq, &QAction::triggered, this, [this] { focusFrequencyField(); });
+
+  QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+  QAction* manual = help->addAction(QStringLiteral("&Manual"));
+  manual->setObjectName(QStringLiteral("helpManual"));
+  manual->setShortcut(QKeySequence::HelpContents);
+  connect(manual, &QAction::triggered, this, &MainWindow::manualRequested);
+  QAction* about = help->addAction(QStringLiteral("&About Tolvane"));
+  about->setObjectName(QStringLiteral("helpAbout"));
+  connect(about, &QAction::triggered, this, [this] { showAbout(); });
+}
+
+QString aboutText() {
+  return QStringLiteral(
+             "<p><b>Tolvane %1</b></p><p>A control panel for an HF amateur-radio transceiver.</p>"
+             "<p>Licence: GNU General Public License, version 3 or later (GPL-3.0-or-later). "
+             "This program comes with ABSOLUTELY NO WARRANTY; it is free software, and you may "
+             "redistribute it under the terms of that licence.</p>")
+      .arg(QCoreApplication::applicationVersion());
+}
+
+void MainWindow::showAbout() { QMessageBox::about(this, QStringLiteral("About Tolvane"), aboutText()); }
+
+void MainWindow::focusFrequencyField() {
+  if (auto* tabs = binder_.widgetAs<QTabWidget>("mainTab")) tabs->setCurrentIndex(kPageOperate);
+  if (auto* field = binder_.widgetAs<QLineEdit>("freqTextField")) {
+    field->setFocus(Qt::ShortcutFocusReason);
+    field->selectAll();
+  }
 }
 
 void MainWindow::buildConnectionPage(QWidget* page) {

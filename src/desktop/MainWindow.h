@@ -34,6 +34,9 @@ class FirstShow : public QObject {
   std::function<void()> build_;
 };
 
+// The text of Help > About Tolvane: the version and the licence.
+QString aboutText();
+
 class MainWindow : public QMainWindow {
   Q_OBJECT
  public:
@@ -51,6 +54,8 @@ class MainWindow : public QMainWindow {
  signals:
   // Emitted once, when the window is first painted on screen.
   void firstPainted();
+  // Help > Manual (F1).
+  void manualRequested();
 
  protected:
   bool event(QEvent* e) override;
@@ -64,6 +69,8 @@ class MainWindow : public QMainWindow {
   void placeRest(QWidget* page, const std::string& tabOutlet, int pageIndex, QBoxLayout* into);
 
   void buildMenus();
+  void showAbout();
+  void focusFrequencyField();
   void buildConnectionPage(QWidget* page);
   void buildOperatePage(QWidget* page);
   void buildMessagesPage(QWidget* page);

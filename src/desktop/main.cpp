@@ -118,8 +118,13 @@ int main(int argc, char** argv) {
   alerts.setParent(&window);
   files.setParent(&window);
   controller.setFiles(&files);
-  if (const QString manual = desktop::manualPath(); !manual.isEmpty())
-    controller.setManualAddress(QUrl::fromLocalFile(manual).toString().toStdString());
+  // The manual installed with the program; Help > Manual and the manual button open it.
+  if (const QString manual = desktop::manualPath(); !manual.isEmpty()) {
+    const std::string address = QUrl::fromLocalFile(manual).toString().toStdString();
+    controller.setManualAddress(address);
+    QObject::connect(&window, &desktop::MainWindow::manualRequested,
+                     [&browser, address] { browser.openUrl(address); });
+  }
 
   if (tracing()) {
     binder.setRepaintHook([](const ui::Control& c) {
