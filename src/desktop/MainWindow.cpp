@@ -165,6 +165,11 @@ QGroupBox* MainWindow::group(const QString& title) {
 
 void MainWindow::buildMenus() {
   QMenu* prefs = menuBar()->addMenu(QStringLiteral("&Preferences"));
+  QAction* more = prefs->addAction(QStringLiteral("Pr&eferences…"));
+  more->setObjectName(QStringLiteral("preferencesDialogAction"));
+  more->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+  connect(more, &QAction::triggered, this, &MainWindow::preferencesRequested);
+  prefs->addSeparator();
   for (const auto& c : binder_.model().controls()) {
     if (c->kind() != ui::Kind::MenuItem) continue;
     if (QAction* a = binder_.action(c->outlet())) prefs->addAction(a);

@@ -56,6 +56,8 @@ class MainWindow : public QMainWindow {
   void firstPainted();
   // Help > Manual (F1).
   void manualRequested();
+  // Preferences > Preferences… (Ctrl+,).
+  void preferencesRequested();
 
  protected:
   bool event(QEvent* e) override;

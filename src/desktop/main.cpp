@@ -14,6 +14,8 @@
 #include "desktop/Binder.h"
 #include "desktop/CommandLine.h"
 #include "desktop/MainWindow.h"
+#include "desktop/NetsKey.h"
+#include "desktop/PreferencesDialog.h"
 #include "desktop/QtSerial.h"
 #include "desktop/QtServices.h"
 #include "desktop/Resources.h"
@@ -122,8 +124,7 @@ int main(int argc, char** argv) {
   if (const QString manual = desktop::manualPath(); !manual.isEmpty()) {
     const std::string address = QUrl::fromLocalFile(manual).toString().toStdString();
     controller.setManualAddress(address);
-    QObject::connect(&window, &desktop::MainWindow::manualRequested,
-                     [&browser, address] { browser.openUrl(address); });
+    QObject::connect(&window, &desktop::MainWindow::manualRequested, [&browser, address] { browser.openUrl(address); });
   }
 
   if (tracing()) {
@@ -170,6 +171,21 @@ int main(int argc, char** argv) {
   if (!options.shareAddress.isEmpty()) shareConfig.address = options.shareAddress;
   window.addConnectionSection(new desktop::SharingPanel({&rigctld, &flrig}));
   desktop::applyShareConfig(shareConfig, rigctld, flrig);
+
+  // The nets user key comes from the keyring; the controller holds it for
+  // the confirmations and never writes it anywhere.
+  desktop::NetsKey netsKey;
+  QObject::connect(&netsKey, &desktop::NetsKey::stateChanged,
+                   [&controller, &netsKey] { controller.setNetsUserKey(netsKey.key().toStdString()); });
+  netsKey.load();
+  QObject::connect(&window, &desktop::MainWindow::preferencesRequested, [&] {
+    auto* dialog = new desktop::PreferencesDialog(settings, netsKey, &window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(
+        dialog, &desktop::PreferencesDialog::shareChanged,
+        [&rigctld, &flrig](const desktop::ShareConfig& c) { desktop::applyShareConfig(c, rigctld, flrig); });
+    dialog->open();
+  });
 
   window.show();
   // Connecting for the operator, once the window is up: asked by --connect or

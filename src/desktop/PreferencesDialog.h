@@ -1,0 +1,71 @@
+// Preferences > Preferences…: the settings that are more than a toggle, one
+// page each. Rig sharing (servers, ports, the listening address and the name
+// given to clients) and the web services (each list's address and the nets
+// user key). OK applies and saves; Cancel leaves everything as it was.
+#pragma once
+
+#include <QDialog>
+#include <vector>
+
+#include "desktop/ShareServers.h"
+#include "platform/Platform.h"
+
+class QCheckBox;
+class QDialogButtonBox;
+class QLabel;
+class QLineEdit;
+class QSpinBox;
+class QTabWidget;
+
+namespace tolvane::desktop {
+
+class NetsKey;
+
+class PreferencesDialog : public QDialog {
+  Q_OBJECT
+ public:
+  PreferencesDialog(platform::SettingsStore& settings, NetsKey& netsKey, QWidget* parent = nullptr);
+
+  // A page of its own; the dialog shows pages in the order they are added.
+  void addPage(QWidget* page, const QString& title);
+
+  // The sharing configuration the fields describe now.
+  ShareConfig shareConfig() const;
+  // Why the fields cannot be saved, the empty text when they can.
+  QString problem() const;
+
+  void accept() override;
+
+ signals:
+  // After OK: the sharing configuration saved (the servers follow it).
+  void shareChanged(const ShareConfig& config);
+
+ private:
+  QWidget* buildSharingPage();
+  QWidget* buildServicesPage();
+  void check();
+
+  platform::SettingsStore& settings_;
+  NetsKey& netsKey_;
+  QTabWidget* pages_ = nullptr;
+  QDialogButtonBox* buttons_ = nullptr;
+  QLabel* problemLabel_ = nullptr;
+
+  QCheckBox* rigctldOn_ = nullptr;
+  QSpinBox* rigctldPort_ = nullptr;
+  QCheckBox* flrigOn_ = nullptr;
+  QSpinBox* flrigPort_ = nullptr;
+  QLineEdit* address_ = nullptr;
+  QLabel* addressWarning_ = nullptr;
+  QLineEdit* transceiver_ = nullptr;
+
+  struct ServiceField {
+    std::string name;
+    QLineEdit* edit;
+  };
+  std::vector<ServiceField> services_;
+  QLineEdit* netsKeyEdit_ = nullptr;
+  QLabel* netsKeyState_ = nullptr;
+};
+
+}  // namespace tolvane::desktop
