@@ -65,6 +65,15 @@ TEST_F(WindowTest, TabMovesThroughTheOperatingPanelInReadingOrder) {
   EXPECT_EQ(QApplication::focusWidget(), w<QPushButton>("tlFreqBButton"));
   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
   EXPECT_EQ(QApplication::focusWidget(), w<QPushButton>("tlMemAButton"));
+  // The band buttons run as they read, then on into the mode buttons.
+  const char* path[] = {"m160Button", "m80Button",  "m60Button", "m40Button",     "m30Button",
+                        "m20Button",  "m17Button",  "m15Button", "m12Button",     "m10Button",
+                        "m6Button",   "mgenButton", "mmwButton", "modeLSBButton", "modeUSBButton"};
+  w<QPushButton>("m160Button")->setFocus(Qt::TabFocusReason);
+  for (const char* outlet : path) {
+    EXPECT_EQ(QApplication::focusWidget(), w<QPushButton>(outlet)) << outlet;
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  }
   // The order list holds the panel's controls once each.
   std::set<QWidget*> unique(window.focusOrder().begin(), window.focusOrder().end());
   EXPECT_EQ(unique.size(), window.focusOrder().size());
