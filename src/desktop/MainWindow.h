@@ -70,6 +70,8 @@ class MainWindow : public QMainWindow {
   QGroupBox* group(const QString& title);
   void placeRest(QWidget* page, const std::string& tabOutlet, int pageIndex, QBoxLayout* into);
 
+  static QWidget* scrollingContent(QWidget* page);
+  static std::vector<std::string> range(const std::string& prefix, int from, int to, const std::string& suffix);
   void buildMenus();
   void showAbout();
   void focusFrequencyField();

@@ -1,0 +1,161 @@
+// The names a screen reader speaks for the window's controls: a table of the
+// controls that need words of their own, rules for the families of buttons
+// (bands, modes, messages, menu items), and a name made from the outlet for
+// the rest.
+#include <cctype>
+#include <map>
+#include <string>
+
+#include "desktop/Binder.h"
+#include "menu/MenuTable.h"
+
+namespace tolvane::desktop {
+
+namespace {
+
+QString q(const std::string& s) { return QString::fromStdString(s); }
+
+// "scopeSpanPopUpButton" -> "Scope span": the fallback name of a control
+// nobody named explicitly.
+QString fromOutlet(const std::string& outlet) {
+  std::string base = outlet;
+  for (const char* suffix : {"PopUpButton", "PopupButton", "Button", "PopUp", "TextField", "Field", "Slider"}) {
+    const std::string s(suffix);
+    if (base.size() > s.size() && base.compare(base.size() - s.size(), s.size(), s) == 0) {
+      base.erase(base.size() - s.size());
+      break;
+    }
+  }
+  std::string out;
+  for (std::size_t i = 0; i < base.size(); ++i) {
+    const char ch = base[i];
+    if (i > 0 && std::isupper(static_cast<unsigned char>(ch)) && !std::isupper(static_cast<unsigned char>(base[i - 1])))
+      out += ' ';
+    out += out.empty() ? static_cast<char>(std::toupper(static_cast<unsigned char>(ch)))
+                       : static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+  }
+  return q(out);
+}
+
+}  // namespace
+
+QString accessibleNameFor(const ui::Control& c) {
+  static const std::map<std::string, const char*> names = {
+      {"mainTab", "Main sections"},
+      {"settingsTab", "Radio settings pages"},
+      {"catBox", "Radio link"},
+      {"PortPopUpButton", "Serial port"},
+      {"BaudPopUpButton", "Baud rate"},
+      {"openCloseButton", "Connect"},
+      {"readMemoriesButton", "Read memories"},
+      {"sendTextField", "Raw command"},
+      {"sendButton", "Send raw command"},
+      {"lineEndingPopUpButton", "Line ending"},
+      {"lineEndingCheckBox", "Add line ending"},
+      {"receivedDataTextView", "Received data"},
+      {"tlFreqAButton", "VFO A"},
+      {"tlFreqBButton", "VFO B"},
+      {"tlMemAButton", "Memory A"},
+      {"tlMemBButton", "Memory B"},
+      {"swapAButton", "Swap VFOs, then show A"},
+      {"swapBButton", "Swap VFOs, then show B"},
+      {"vfoMemoryButton", "VFO or memory"},
+      {"freqTextField", "Frequency in megahertz"},
+      {"tuneButton", "Tune to frequency"},
+      {"callTextField", "Call sign"},
+      {"saveCallButton", "Save call sign"},
+      {"licenseClassButton", "Licence class"},
+      {"sMeter", "S-meter"},
+      {"modesPopUpButton", "Mode"},
+      {"memPopUpButton", "Memory channel"},
+      {"breakInButton", "Break-in"},
+      {"nrButton", "Noise reduction"},
+      {"nbButton", "Noise blanker"},
+      {"dnfButton", "Notch filter, automatic"},
+      {"bkinButton", "Break-in, full"},
+      {"notchButton", "Notch"},
+      {"contButton", "Contour"},
+      {"heldButton", "Held"},
+      {"markerButton", "Marker"},
+      {"muteButton", "Mute"},
+      {"bkinOffButton", "Break-in off"},
+      {"afGainSlider", "AF gain"},
+      {"rfGainSlider", "RF gain"},
+      {"ampPopUpButton", "Pre-amplifier"},
+      {"NBPopupButton", "Noise blanker level"},
+      {"DNRPopupButton", "Noise reduction level"},
+      {"AGCPopUpButton", "AGC"},
+      {"ATTPopUpButton", "Attenuator"},
+      {"RFILPopUpButton", "Roofing filter"},
+      {"smeterPopUpButton", "Meter display"},
+      {"MPVDButton", "Dial function"},
+      {"FuncKnobButton", "Function knob"},
+      {"colorPopUpButton", "Scope colour"},
+      {"spectrumModePopUpButton", "Scope mode"},
+      {"scopeSpanPopUpButton", "Scope span"},
+      {"scopeSpeedPopUpButton", "Scope speed"},
+      {"scopeLevelPopUpButton", "Scope level"},
+      {"scopeMarkerPopUpButton", "Scope marker"},
+      {"APOPopUpButton", "Automatic power off"},
+      {"powerPopUpButton", "Transmit power"},
+      {"macroPopUpButton", "Macro"},
+      {"sendBox", "Keyer and messages"},
+      {"textMemoryField", "Message text"},
+      {"sendTextMemoryButton", "Send message text"},
+      {"clearTextMemoryButton", "Clear message text"},
+      {"sentTextMemoryField", "Sent messages"},
+      {"powerOnButton", "Power on"},
+      {"powerOffButton", "Power off"},
+      {"tunePowerButton", "Tune power"},
+      {"fullPowerButton", "Full power"},
+      {"tunerButton", "Antenna tuner"},
+      {"stepUpSmallButton", "Step up 25"},
+      {"stepDownSmallButton", "Step down 25"},
+      {"stepUpLargeButton", "Step up 110"},
+      {"stepDownLargeButton", "Step down 110"},
+      {"quickMemoryInButton", "Quick memory store"},
+      {"quickMemoryRecallButton", "Quick memory recall"},
+      {"makerPageButton", "Open the manual"},
+  };
+  const std::string& o = c.outlet();
+  if (auto it = names.find(o); it != names.end()) return QString::fromUtf8(it->second);
+
+  // Band buttons: "m20Button" -> "Band 20 m"; GEN and MW by name.
+  if (o.size() > 7 && o[0] == 'm' && o.compare(o.size() - 6, 6, "Button") == 0 &&
+      std::isdigit(static_cast<unsigned char>(o[1])))
+    return QStringLiteral("Band %1 m").arg(q(o.substr(1, o.size() - 7)));
+  if (o == "mgenButton") return QStringLiteral("Band general coverage");
+  if (o == "mmwButton") return QStringLiteral("Band medium wave");
+  if (c.kind() == ui::Kind::Button && c.tag() >= 200 && c.tag() <= 215)
+    return c.title().rfind("Mode ", 0) == 0 ? q(c.title()) : QStringLiteral("Mode ") + q(c.title());
+  if (o.rfind("scopeColor", 0) == 0 && c.kind() == ui::Kind::Button)
+    return QStringLiteral("Scope colour ") + q(c.title());
+  if (o.rfind("textMemory", 0) == 0 && c.kind() == ui::Kind::Button)
+    return QStringLiteral("Message ") + q(o.substr(10, o.size() - 16));
+  // The message memories: "CW memory 3", "RTTY memory text", "Store PSK memory".
+  for (const auto& [prefix, name] :
+       {std::pair{"cwMemory", "CW"}, std::pair{"rttyMemory", "RTTY"}, std::pair{"pskMemory", "PSK"}}) {
+    const std::string p(prefix);
+    if (o.rfind(p, 0) != 0) continue;
+    const std::string rest = o.substr(p.size());
+    if (rest == "Field") return QStringLiteral("%1 memory text").arg(QLatin1String(name));
+    if (rest == "PopUpButton") return QStringLiteral("Store %1 memory").arg(QLatin1String(name));
+    if (rest.size() == 7 && rest.compare(1, 6, "Button") == 0)
+      return QStringLiteral("%1 memory %2").arg(QLatin1String(name), QChar(rest[0]));
+  }
+  if (o == "readMessagesButton") return QStringLiteral("Read messages from radio");
+  // Menu items of the radio: their label, "Menu GG-SS-II" by default.
+  if (const menu::MenuItem* item = menu::menuItemWithTag(c.tag()); item && o.rfind("menu", 0) == 0)
+    return q(item->label);
+  if (o.rfind("menu", 0) == 0 && c.tag() >= 2000000 && c.tag() < 3000000) {
+    const int t = c.tag() - 2000000;
+    return QStringLiteral("Menu %1-%2-%3")
+        .arg(t / 10000, 2, 10, QChar('0'))
+        .arg(t / 100 % 100, 2, 10, QChar('0'))
+        .arg(t % 100, 2, 10, QChar('0'));
+  }
+  if (c.kind() == ui::Kind::MenuItem && !c.title().empty()) return q(c.title());
+  return fromOutlet(o);
+}
+
+}  // namespace tolvane::desktop
