@@ -17,6 +17,7 @@
 
 #include "desktop/QtSerial.h"
 #include "support/Harness.h"
+#include "support/PtyRig.h"
 
 namespace tolvane::desktop {
 namespace {
@@ -46,34 +47,9 @@ struct Recorder : platform::SerialPortListener {
 };
 
 #ifdef TOLVANE_SIM_EXE
-// tolvane-sim in a child process; its first output line is the terminal path.
-struct Simulator {
-  pid_t pid = -1;
-  std::string path;
-
-  Simulator() {
-    int out[2];
-    if (pipe(out) != 0) return;
-    pid = fork();
-    if (pid == 0) {
-      dup2(out[1], 1);
-      close(out[0]);
-      execl(TOLVANE_SIM_EXE, TOLVANE_SIM_EXE, "--boot", "0", "--on-close", "exit", static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    close(out[1]);
-    char c;
-    while (read(out[0], &c, 1) == 1 && c != '\n') path += c;
-    close(out[0]);
-  }
-  void stop() {
-    if (pid > 0) {
-      kill(pid, SIGTERM);
-      waitpid(pid, nullptr, 0);
-      pid = -1;
-    }
-  }
-  ~Simulator() { stop(); }
+// tolvane-sim in a child process, its terminal ready; it exits when the port closes.
+struct Simulator : test::Simulator {
+  Simulator() : test::Simulator(TOLVANE_SIM_EXE, {"--boot", "0", "--on-close", "exit"}) {}
 };
 
 TEST(QtSerialPortOverPty, TalksToTheSimulatorAndReportsTheFarEndGoingAwayOnce) {

@@ -6,17 +6,7 @@
 # file the test made unreadable stands in for the node.
 set -euo pipefail
 program=$1
-work=$(cd "$(mktemp -d)" && pwd -P)
-pid=
-cleanup() {
-  if [ -n "$pid" ]; then kill "$pid" 2>/dev/null || true; fi
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() {
-  echo "FAIL: $*" >&2
-  exit 1
-}
+. "$(dirname "$0")/common.sh"
 
 chmod 755 "$work"
 device=$work/ttyTV0

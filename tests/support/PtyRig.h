@@ -20,6 +20,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/SerialPortDemoController.h"
 #include "app/WindowLayout.h"
@@ -123,22 +124,27 @@ class PacedTty : public platform::SerialPort {
   Clock::time_point lineFree_{};
 };
 
-// The simulator program on its own pseudo-terminal.
+// The simulator program on its own pseudo-terminal; `path` is the terminal,
+// the first line the program prints.
 struct Simulator {
   pid_t pid = -1;
   std::string path;
   // The program is $TOLVANE_SIM, or `exe`, or ../src/sim/tolvane-sim beside this program.
-  explicit Simulator(std::string exe = {}) {
+  explicit Simulator(std::string exe = {}, std::vector<std::string> args = {"--pace", "--boot", "0"}) {
     if (exe.empty())
       exe = (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "../src/sim/tolvane-sim").string();
     if (const char* env = std::getenv("TOLVANE_SIM")) exe = env;
+    args.insert(args.begin(), exe);
+    std::vector<char*> argv;
+    for (std::string& a : args) argv.push_back(a.data());
+    argv.push_back(nullptr);
     int out[2];
     if (pipe(out) != 0) return;
     pid = fork();
     if (pid == 0) {
       dup2(out[1], 1);
       ::close(out[0]);
-      execl(exe.c_str(), exe.c_str(), "--pace", "--boot", "0", static_cast<char*>(nullptr));
+      execv(exe.c_str(), argv.data());
       _exit(127);
     }
     ::close(out[1]);
@@ -146,12 +152,14 @@ struct Simulator {
     while (::read(out[0], &c, 1) == 1 && c != '\n') path += c;
     ::close(out[0]);
   }
-  ~Simulator() {
+  void stop() {
     if (pid > 0) {
       kill(pid, SIGTERM);
       waitpid(pid, nullptr, 0);
+      pid = -1;
     }
   }
+  ~Simulator() { stop(); }
 };
 
 struct PtyRig {
