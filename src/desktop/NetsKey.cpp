@@ -13,22 +13,27 @@ bool keyringMissing(QKeychain::Error e) { return e != QKeychain::NoError && e !=
 
 NetsKey::NetsKey(QObject* parent) : QObject(parent) {}
 
-void NetsKey::load() {
-  auto* job = new QKeychain::ReadPasswordJob(QString::fromLatin1(kService), this);
+void NetsKey::run(QKeychain::Job* job, const std::function<void(QKeychain::Job&)>& done) {
   job->setKey(QString::fromLatin1(kEntry));
   job->setAutoDelete(true);
   job->setInsecureFallback(false);  // never a plain-text copy on disk
-  connect(job, &QKeychain::Job::finished, this, [this, job] {
+  connect(job, &QKeychain::Job::finished, this, [this, job, done] {
     if (keyringMissing(job->error())) {
       runOnly_ = true;
       problem_ = job->errorString();
-    } else if (job->error() == QKeychain::NoError) {
-      key_ = job->textData();
     }
-    emit loaded(key_);
+    if (done) done(*job);
     emit stateChanged();
   });
   job->start();
+}
+
+void NetsKey::load() {
+  auto* job = new QKeychain::ReadPasswordJob(QString::fromLatin1(kService), this);
+  run(job, [this, job](QKeychain::Job&) {
+    if (job->error() == QKeychain::NoError) key_ = job->textData();
+    emit loaded(key_);
+  });
 }
 
 void NetsKey::store(const QString& key) {
@@ -37,25 +42,13 @@ void NetsKey::store(const QString& key) {
     emit stateChanged();
     return;
   }
-  QKeychain::Job* job = nullptr;
   if (key.isEmpty()) {
-    job = new QKeychain::DeletePasswordJob(QString::fromLatin1(kService), this);
-  } else {
-    auto* write = new QKeychain::WritePasswordJob(QString::fromLatin1(kService), this);
-    write->setTextData(key);
-    job = write;
+    run(new QKeychain::DeletePasswordJob(QString::fromLatin1(kService), this), {});
+    return;
   }
-  job->setKey(QString::fromLatin1(kEntry));
-  job->setAutoDelete(true);
-  job->setInsecureFallback(false);  // never a plain-text copy on disk
-  connect(job, &QKeychain::Job::finished, this, [this, job] {
-    if (keyringMissing(job->error())) {
-      runOnly_ = true;
-      problem_ = job->errorString();
-    }
-    emit stateChanged();
-  });
-  job->start();
+  auto* write = new QKeychain::WritePasswordJob(QString::fromLatin1(kService), this);
+  write->setTextData(key);
+  run(write, {});
 }
 
 QString NetsKey::stateText() const {

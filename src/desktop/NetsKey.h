@@ -5,6 +5,11 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
+
+namespace QKeychain {
+class Job;
+}
 
 namespace tolvane::desktop {
 
@@ -33,6 +38,10 @@ class NetsKey : public QObject {
   void stateChanged();
 
  private:
+  // Starts a keyring job on the key's entry; a keyring that cannot be reached
+  // makes the key last for this run only.
+  void run(QKeychain::Job* job, const std::function<void(QKeychain::Job&)>& done);
+
   QString key_;
   bool runOnly_ = false;
   QString problem_;
