@@ -22,7 +22,9 @@
 #include "desktop/ShareServers.h"
 #include "desktop/SharingPanel.h"
 #include "desktop/SoundPlayer.h"
+#include "desktop/TraceDriver.h"
 #include "share/ControllerRig.h"
+#include "ui/Table.h"
 #ifdef TOLVANE_HAVE_SIM
 #include "sim/PortManagerWithSimulator.h"
 #endif
@@ -38,7 +40,9 @@ std::int64_t monotonicNs() {
 
 // With TOLVANE_TRACE set, timing marks go to standard error for the benchmark
 // and the end-to-end test: when the window is first on screen, every new
-// button title, and every event-loop stall longer than 20 ms.
+// title of a button, label or box, the row count of every reloaded table, and
+// every event-loop stall longer than 20 ms. Standard input then takes the
+// tests' gestures (desktop/TraceDriver.h).
 bool tracing() { return qEnvironmentVariableIsSet("TOLVANE_TRACE"); }
 
 void watchStalls(QObject* context) {
@@ -129,13 +133,18 @@ int main(int argc, char** argv) {
 
   if (tracing()) {
     binder.setRepaintHook([](const ui::Control& c) {
-      if (c.kind() == ui::Kind::Button)
+      const ui::Kind k = c.kind();
+      if (k == ui::Kind::Button || k == ui::Kind::Label || k == ui::Kind::Box)
         std::fprintf(stderr, "trace title %s %s %lld\n", c.outlet().c_str(), c.title().c_str(),
+                     static_cast<long long>(monotonicNs()));
+      else if (k == ui::Kind::Table && c.dataSource())
+        std::fprintf(stderr, "trace rows %s %d %lld\n", c.outlet().c_str(), c.dataSource()->numberOfRows(c),
                      static_cast<long long>(monotonicNs()));
     });
     QObject::connect(&window, &desktop::MainWindow::firstPainted,
                      [] { std::fprintf(stderr, "trace shown %lld\n", static_cast<long long>(monotonicNs())); });
     watchStalls(&root);
+    desktop::readGesturesFromStandardInput(model, &root);
   }
 
   // Before the start-up fetches, which read the addresses.

@@ -3,85 +3,21 @@
 // A button shows the radio's answer to the poll, and then follows a turn of
 // the simulator's tuning knob that the radio reports by itself.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
-#include <map>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "support/Processes.h"
+
 namespace {
 
-std::string tempDir() {
-  char dir[] = "/tmp/tolvane-e2e-XXXXXX";
-  return mkdtemp(dir) ? std::string(dir) : std::string();
-}
-
-pid_t spawn(const std::vector<std::string>& args, const std::string& out, const std::string& err,
-            const std::map<std::string, std::string>& env = {}, int input = -1) {
-  const pid_t pid = fork();
-  if (pid == 0) {
-    if (input >= 0 && dup2(input, STDIN_FILENO) < 0) _exit(126);
-    for (const auto& [k, v] : env) setenv(k.c_str(), v.c_str(), 1);
-    if (!freopen(out.c_str(), "w", stdout) || !freopen(err.c_str(), "w", stderr)) _exit(126);
-    std::vector<char*> argv;
-    for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  return pid;
-}
-
-void stop(pid_t pid) {
-  if (pid <= 0) return;
-  kill(pid, SIGTERM);
-  waitpid(pid, nullptr, 0);
-}
-
-// The first whole line of a file that another process is writing.
-std::string firstLine(const std::string& path, int waitMs) {
-  for (int i = 0; i <= waitMs / 20; ++i) {
-    std::ifstream in(path);
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (const auto nl = text.find('\n'); nl != std::string::npos) return text.substr(0, nl);
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return {};
-}
-
-// The sim's log: "<seconds> <command>" per command received.
-struct Logged {
-  double at;
-  std::string command;
-};
-std::vector<Logged> readLog(const std::string& path) {
-  std::vector<Logged> out;
-  std::ifstream in(path);
-  std::string line;
-  while (std::getline(in, line)) {
-    std::istringstream s(line);
-    Logged l;
-    if (s >> l.at >> l.command) out.push_back(l);
-  }
-  return out;
-}
-
-double firstAt(const std::vector<Logged>& log, const std::string& command, double after = 0) {
-  for (const auto& l : log)
-    if (l.command == command && l.at >= after) return l.at;
-  return -1;
-}
+using namespace tolvane::test;
 
 TEST(EndToEnd, OnOpenSequenceOnTheWireAndVfoAFollowsTheRadio) {
   const std::string dir = tempDir();

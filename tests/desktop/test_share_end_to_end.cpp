@@ -3,78 +3,16 @@
 // rigctld protocol, rigctl -m 4 for XML-RPC): reads, settings, keying, and
 // the strings on the simulator's wire and in the window's VFO title.
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <signal.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <map>
 #include <string>
-#include <thread>
-#include <vector>
+
+#include "support/Processes.h"
 
 namespace {
 
-std::string tempDir() {
-  char dir[] = "/tmp/tolvane-share-XXXXXX";
-  return mkdtemp(dir) ? std::string(dir) : std::string();
-}
-
-pid_t spawn(const std::vector<std::string>& args, const std::string& out, const std::string& err,
-            const std::map<std::string, std::string>& env = {}) {
-  const pid_t pid = fork();
-  if (pid == 0) {
-    for (const auto& [k, v] : env) setenv(k.c_str(), v.c_str(), 1);
-    if (!freopen(out.c_str(), "w", stdout) || !freopen(err.c_str(), "w", stderr)) _exit(126);
-    std::vector<char*> argv;
-    for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  return pid;
-}
-
-void stop(pid_t pid) {
-  if (pid <= 0) return;
-  kill(pid, SIGTERM);
-  waitpid(pid, nullptr, 0);
-}
-
-std::string readFile(const std::string& path) {
-  std::ifstream in(path);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-std::string firstLine(const std::string& path, int waitMs) {
-  for (int i = 0; i <= waitMs / 20; ++i) {
-    const std::string text = readFile(path);
-    if (const auto nl = text.find('\n'); nl != std::string::npos) return text.substr(0, nl);
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return {};
-}
-
-// A TCP port of 127.0.0.1 that nothing listens on now.
-int freePort() {
-  const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in a{};
-  a.sin_family = AF_INET;
-  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t len = sizeof a;
-  int port = 0;
-  if (bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0 &&
-      getsockname(fd, reinterpret_cast<sockaddr*>(&a), &len) == 0)
-    port = ntohs(a.sin_port);
-  close(fd);
-  return port;
-}
+using namespace tolvane::test;
 
 // Runs the real client with these commands; its standard output.
 std::string rigctl(int model, int port, const std::string& commands) {
@@ -87,15 +25,6 @@ std::string rigctl(int model, int port, const std::string& commands) {
     pclose(p);
   }
   return out;
-}
-
-// Waits until `done` holds for the text of a file, up to `ms`.
-bool fileShows(const std::string& path, const std::string& text, int ms = 3000) {
-  for (int i = 0; i <= ms / 50; ++i) {
-    if (readFile(path).find(text) != std::string::npos) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  }
-  return false;
 }
 
 class ShareEndToEnd : public ::testing::Test {

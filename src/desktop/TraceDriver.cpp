@@ -1,0 +1,48 @@
+#include "desktop/TraceDriver.h"
+
+#include <unistd.h>
+
+#include <QSocketNotifier>
+#include <cstdio>
+#include <sstream>
+#include <string>
+
+#include "ui/Table.h"
+
+namespace tolvane::desktop {
+
+namespace {
+
+bool perform(ui::Window& model, const std::string& line) {
+  std::istringstream words(line);
+  std::string verb, table, column;
+  int row = -1;
+  if (!(words >> verb >> table >> column >> row) || verb != "click") return false;
+  ui::Control* t = model.find(table);
+  return t && t->kind() == ui::Kind::Table && ui::clickInCell(*t, column, row);
+}
+
+}  // namespace
+
+void readGesturesFromStandardInput(ui::Window& model, QObject* context) {
+  auto* notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, context);
+  auto* pending = new std::string;
+  QObject::connect(notifier, &QObject::destroyed, [pending] { delete pending; });
+  QObject::connect(notifier, &QSocketNotifier::activated, notifier, [&model, notifier, pending] {
+    char buf[512];
+    const ssize_t n = read(STDIN_FILENO, buf, sizeof buf);
+    if (n <= 0) {
+      notifier->setEnabled(false);  // the other end is closed
+      return;
+    }
+    pending->append(buf, static_cast<std::size_t>(n));
+    for (auto nl = pending->find('\n'); nl != std::string::npos; nl = pending->find('\n')) {
+      const std::string line = pending->substr(0, nl);
+      pending->erase(0, nl + 1);
+      std::fprintf(stderr, "trace gesture %s %s\n", perform(model, line) ? "ok" : "failed", line.c_str());
+    }
+    if (pending->size() > 4096) pending->clear();
+  });
+}
+
+}  // namespace tolvane::desktop
