@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "support/Processes.h"
+#include "support/PtyRig.h"
 
 namespace {
 
@@ -137,10 +138,8 @@ TEST(WebListsEndToEnd, ListsFillFromTheServicesAndAPotaTuneReachesTheRadio) {
   ASSERT_NE(at, std::string::npos) << serving << readFile(dir + "/server.err");
   const std::string base = serving.substr(at + 1, serving.find(')', at) - at - 1);
 
-  const pid_t sim =
-      spawn({TOLVANE_SIM_EXE, "--pace", "--boot", "0", "--log", dir + "/wire.log"}, dir + "/sim.out", dir + "/sim.err");
-  run.children.push_back(sim);
-  const std::string pty = firstLine(dir + "/sim.out", kWaitMs);
+  Simulator sim(TOLVANE_SIM_EXE, {"--pace", "--boot", "0", "--log", dir + "/wire.log"});
+  const std::string pty = sim.path;
   ASSERT_EQ(pty.rfind("/dev/", 0), 0u) << pty;
   int gestures[2];
   ASSERT_EQ(pipe(gestures), 0);
