@@ -15,11 +15,17 @@ namespace {
 
 bool perform(ui::Window& model, const std::string& line) {
   std::istringstream words(line);
-  std::string verb, table, column;
+  std::string verb, outlet, column;
   int row = -1;
-  if (!(words >> verb >> table >> column >> row) || verb != "click") return false;
-  ui::Control* t = model.find(table);
-  return t && t->kind() == ui::Kind::Table && ui::clickInCell(*t, column, row);
+  if (!(words >> verb >> outlet) || verb != "click") return false;
+  ui::Control* c = model.find(outlet);
+  if (!c) return false;
+  if (!(words >> column >> row)) {
+    if (c->kind() != ui::Kind::Button || !c->enabled()) return false;
+    c->click();
+    return true;
+  }
+  return c->kind() == ui::Kind::Table && ui::clickInCell(*c, column, row);
 }
 
 }  // namespace
