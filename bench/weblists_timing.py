@@ -8,7 +8,8 @@ solar feed. The program is started against tolvane-sim with --connect and
 seconds (the five lists, the band conditions at 10 s and the on-open sequence
 up to 12.5 s) the script collects the program's "trace stall" marks (any
 event-loop turn longer than 20 ms) and the marks of each list shown, and
-reports the longest stall and what was shown just before each stall over 50 ms.
+reports the longest stall and, for each stall over 50 ms, the list shown
+during it, if any.
 
 Usage: bench/weblists_timing.py [path/to/tolvane [path/to/tolvane-sim]] [--runs N]
 """
@@ -157,9 +158,10 @@ def main():
             for ms, at in stalls:
                 longest = max(longest, ms)
                 if ms > 50:
-                    before = [what for t, what in events if t <= at]
-                    over.append(f"{ms} ms at {(at - loop) / 1e6:.0f} ms after the first loop turn"
-                                f" (last shown: {before[-1] if before else 'nothing yet'})")
+                    # A list shown inside the stall's span is what the stall held up.
+                    during = [what for t, what in events if at - (ms + 10) * 1_000_000 <= t <= at]
+                    over.append(f"{ms} ms ending {(at - loop) / 1e6:.0f} ms after the first loop turn"
+                                f" ({'during: ' + ', '.join(during) if during else 'no list shown during it'})")
             at = ", ".join(f"{ms} ms at {(t - loop) / 1e6:.0f} ms" for ms, t in stalls)
             print(f"  stalls over 20 ms: {len(stalls)} ({at})")
         server.shutdown()
