@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QPalette>
 #include <QPushButton>
@@ -13,6 +14,22 @@ namespace tolvane::desktop {
 namespace {
 QString q(const std::string& s) { return QString::fromStdString(s); }
 constexpr const char* kPlainText = "text/plain";
+
+// The name a column answers to ("Return", "Ctrl+Return", "Delete"); "" for other keys.
+std::string keyName(const QKeyEvent& e) {
+  const Qt::KeyboardModifiers mods = e.modifiers() & ~Qt::KeypadModifier;
+  switch (e.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (mods == Qt::NoModifier) return "Return";
+      if (mods == Qt::ControlModifier) return "Ctrl+Return";
+      return {};
+    case Qt::Key_Delete:
+      return mods == Qt::NoModifier ? "Delete" : "";
+    default:
+      return {};
+  }
+}
 }  // namespace
 
 TableModel::TableModel(ui::Control& table, QObject* parent) : QAbstractTableModel(parent), table_(table) { fetch(); }
@@ -97,6 +114,11 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
       return q(c->text);
     case Qt::ToolTipRole:
       return c->kind == ui::CellKind::Link ? QVariant(q(c->address)) : QVariant();
+    case Qt::AccessibleDescriptionRole: {
+      // Asked of the data source now: the keys act on the row as it is now.
+      const std::string keys = ui::rowKeysText(table_, index.row());
+      return keys.empty() ? QVariant() : QVariant(q(keys));
+    }
     case Qt::ForegroundRole:
       // A held table's cells are drawn as disabled: nothing in them can be changed now.
       if (table_.held()) return QVariant(QPalette().brush(QPalette::Disabled, QPalette::Text));
@@ -278,7 +300,29 @@ TableView::TableView(ui::Control& table, QWidget* parent) : QTableView(parent), 
     cellControlsStale_ = true;
     if (isVisible()) placeCellControls();
   });
+  // A reload (a confirmed net refreshes its list) keeps the row the keyboard is on.
+  connect(&model_, &QAbstractItemModel::modelAboutToBeReset, this, [this] {
+    kept_ = {currentIndex().row(), currentIndex().column()};
+  });
+  connect(&model_, &QAbstractItemModel::modelReset, this, [this] {
+    const auto [row, column] = kept_;
+    kept_ = {-1, -1};
+    if (row >= 0 && row < model_.rowCount()) setCurrentIndex(model_.index(row, std::max(column, 0)));
+  });
   refresh();
+}
+
+void TableView::keyPressEvent(QKeyEvent* event) {
+  if (state() != EditingState) {
+    const std::string key = keyName(*event);
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    const int row = rows.isEmpty() ? currentIndex().row() : rows.front().row();
+    if (!key.empty() && row >= 0 && ui::pressKeyOnRow(model_.control(), row, key)) {
+      event->accept();
+      return;
+    }
+  }
+  QTableView::keyPressEvent(event);
 }
 
 void TableView::showEvent(QShowEvent* event) {
@@ -306,6 +350,13 @@ void TableView::refresh() {
   if (c.dataSource()) verticalHeader()->setDefaultSectionSize(c.dataSource()->rowHeight(c, 0));
   setAcceptDrops(c.isDropTarget());
   viewport()->setAcceptDrops(c.isDropTarget());
+  // "Keys on the selected row: Return tunes the radio to the spot."
+  const QString keys = q(ui::tableKeysText(c));
+  if (keys != accessibleDescription()) {
+    setAccessibleDescription(keys);
+    setToolTip(keys);
+    viewport()->setToolTip(keys);
+  }
   showSortIndicator();
 }
 

@@ -5,12 +5,17 @@
 // again only when the control is reloaded. Typed text, pop-up choices, button
 // and link clicks, drags of rows and header clicks go back to the data source
 // through the shared gesture functions, exactly as the tests drive them.
-// Pop-up and button cells are live widgets (index widgets) of the view.
+// Pop-up and button cells are live widgets (index widgets) of the view. As
+// those cannot be reached by assistive technologies (nor by Tab in every
+// style), a column of buttons may answer to a key on the selected row
+// (Return tunes); each cell's accessible description says what the keys do
+// on its row, and the table's tooltip and description list the keys.
 #pragma once
 
 #include <QAbstractTableModel>
 #include <QTableView>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "ui/Table.h"
@@ -81,12 +86,14 @@ class TableView : public QTableView {
  private:
   void showSortIndicator();
   void showEvent(QShowEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   // Pop-up and button cells get a live combo box or push button of their own.
   void placeCellControls();
 
   TableModel model_;
   bool held_ = false;
-  bool cellControlsStale_ = true;  // rows were fetched since the cell widgets were made
+  bool cellControlsStale_ = true;     // rows were fetched since the cell widgets were made
+  std::pair<int, int> kept_{-1, -1};  // the current cell (row, column), taken again after a reload
 };
 
 }  // namespace tolvane::desktop

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "radio/RadioText.h"
 #include "spots/WebLists.h"
 
 namespace tolvane::spots {
@@ -426,6 +427,36 @@ std::optional<std::string> mwTune(const Row& row, const std::string& side, std::
   return "MD05;F" + side + (*hz > 999999 ? "00" : "000") + std::to_string(*hz) + ";SS0640000;";
 }
 
+std::string describeTune(std::string_view sent) {
+  std::string side;
+  std::int64_t hertz = -1;
+  const radio::ModeInfo* mode = nullptr;
+  while (!sent.empty()) {
+    const std::size_t end = sent.find(';');
+    const std::string_view command = sent.substr(0, end);
+    sent.remove_prefix(end == std::string_view::npos ? sent.size() : end + 1);
+    if (command.size() == 4 && command.substr(0, 2) == "MD" && !mode) {
+      mode = radio::modeForCode(command[3]);
+    } else if (command.size() > 2 && command[0] == 'F' && (command[1] == 'A' || command[1] == 'B') && hertz < 0) {
+      const std::string_view digits = command.substr(2);
+      std::int64_t value = 0;
+      if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ptr != digits.data() + digits.size())
+        continue;
+      side = command.substr(1, 1);
+      hertz = value;
+    }
+  }
+  if (hertz < 0) return {};
+  // Megahertz with at least the kilohertz digits: "14.074", "1.080", "14.2855".
+  char six[8];
+  std::snprintf(six, sizeof six, "%06d", static_cast<int>(hertz % 1000000));
+  std::string fraction = six;
+  while (fraction.size() > 3 && fraction.back() == '0') fraction.pop_back();
+  std::string text = "tunes VFO " + side + " to " + std::to_string(hertz / 1000000) + "." + fraction + " MHz";
+  if (mode) text += std::string(", ") + mode->name;
+  return text;
+}
+
 std::optional<std::string> netConfirmationBody(const std::string& key, const std::string& netId, int action) {
   try {
     return json{{"key", key}, {"net_id", netId}, {"action", action}}.dump();
@@ -514,28 +545,37 @@ std::string counted(std::size_t n, const char* noun) { return std::to_string(n) 
 namespace tolvane::spots {
 
 std::vector<ui::Column> columnsOf(const std::string& table) {
+  // Return on the selected row tunes; on the nets list Ctrl+Return confirms and Delete withdraws.
+  auto tune = [](const char* id, const char* what) {
+    return ui::Column{id, "Tune", 70, false, "Return", std::string("tunes the radio to the ") + what};
+  };
   if (table == "potaTable")
-    return {{"tune", "Tune", 70}, {"activator", "Activator", 100}, {"frequency", "kHz", 80},
+    return {tune("tune", "spot"), {"activator", "Activator", 100}, {"frequency", "kHz", 80},
             {"mode", "Mode", 60}, {"comment", "Comment", 200},     {"name", "Park", 220},
             {"last", "Age", 70},  {"location", "Location", 90},    {"reference", "Reference", 100}};
   if (table == "sotaTable")
-    return {{"tune2", "Tune", 70},          {"activator2", "Activator", 100},
+    return {tune("tune2", "spot"),          {"activator2", "Activator", 100},
             {"activatorName", "Name", 120}, {"frequency2", "kHz", 80},
             {"mode2", "Mode", 60},          {"comment2", "Comment", 180},
             {"name2", "Summit", 180},       {"last2", "Age", 70},
             {"location2", "Region", 140},   {"reference2", "Points", 80}};
   if (table == "netLoggerTable")
-    return {{"tune", "Tune", 70},
+    return {tune("tune", "net"),
             {"freq", "kHz", 90},
             {"mode2", "Mode", 60},
             {"netName", "Net", 320},
             {"checkIns", "Subscribers", 100}};
   if (table == "netsTable")
-    return {{"tune3", "Tune", 70},      {"utc", "UTC", 70},           {"freq", "MHz", 80},
-            {"netName", "Net", 280},    {"mode", "Mode", 60},         {"confirmed", "Confirmed", 90},
-            {"confirm", "Confirm", 90}, {"unconfirm", "Withdraw", 90}};
+    return {tune("tune3", "net"),
+            {"utc", "UTC", 70},
+            {"freq", "MHz", 80},
+            {"netName", "Net", 280},
+            {"mode", "Mode", 60},
+            {"confirmed", "Confirmed", 90},
+            {"confirm", "Confirm", 90, false, "Ctrl+Return", "confirms the net"},
+            {"unconfirm", "Withdraw", 90, false, "Delete", "withdraws the confirmation of the net"}};
   if (table == "mwTable")
-    return {{"tune3", "Tune", 70},
+    return {tune("tune3", "station"),
             {"station", "Station", 240},
             {"freq", "kHz", 80},
             {"city", "City", 200},

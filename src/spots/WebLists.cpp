@@ -337,15 +337,21 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
                                                               int row) {
   const std::string& t = table.outlet();
   const auto r = static_cast<std::size_t>(row);
-  auto button = [this, row](const char* outlet, const char* title,
-                            void (SerialPortDemoController::*action)(ui::Control&)) {
+  using Action = void (SerialPortDemoController::*)(ui::Control&);
+  auto button = [this, row](const char* outlet, const char* title, Action action, std::string description) {
     ui::Cell c;
     c.kind = ui::CellKind::Button;
     c.text = title;
     c.outlet = outlet;
     c.tag = row;
     c.action = [this, action](ui::Control& sender) { (this->*action)(sender); };
+    c.description = std::move(description);
     return c;
+  };
+  // A tune button says what it would send, in words: "tunes VFO A to 14.074 MHz, USB".
+  auto tune = [&button](const char* outlet, Action action, const std::optional<std::string>& sent) {
+    return button(outlet, "Tune", action,
+                  sent ? spots::describeTune(*sent) : std::string("does nothing: the frequency is not a number"));
   };
   // A link opens its address in the browser; with no address it is plain text.
   auto link = [this](std::string shown, std::string address) {
@@ -365,7 +371,8 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
   if (t == "potaTable") {
     const ListRow& f = tlPotaArray[r];
     if (f.size() < 10) return std::nullopt;
-    if (column == "tune") return button("potaTableTuneButton", "Tune", &SerialPortDemoController::goPotaTune);
+    if (column == "tune")
+      return tune("potaTableTuneButton", &SerialPortDemoController::goPotaTune, spots::potaTune(f, tlAorB));
     if (column == "activator") return text(f[0]);
     if (column == "frequency") return text(spots::kilohertzCell(f[1], 1.0f));
     if (column == "mode") return text(f[2]);
@@ -377,7 +384,8 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
   } else if (t == "sotaTable") {
     const ListRow& f = tlSotaArray[r];
     if (f.size() < 10) return std::nullopt;
-    if (column == "tune2") return button("sotaTableTuneButton", "Tune", &SerialPortDemoController::goSotaTune);
+    if (column == "tune2")
+      return tune("sotaTableTuneButton", &SerialPortDemoController::goSotaTune, spots::sotaTune(f, tlAorB));
     if (column == "activator2") return text(f[0]);
     if (column == "activatorName") return text(f[1] == "Not recognised" ? "--" : f[1]);
     if (column == "frequency2") return text(spots::kilohertzCell(f[2], 1000.0f));
@@ -395,7 +403,9 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
   } else if (t == "netLoggerTable") {
     const ListRow& f = tlNetLoggerArray[r];
     if (f.size() < 4) return std::nullopt;
-    if (column == "tune") return button("netLoggerTableTuneButton", "Tune", &SerialPortDemoController::goNetLoggerTune);
+    if (column == "tune")
+      return tune("netLoggerTableTuneButton", &SerialPortDemoController::goNetLoggerTune,
+                  spots::netLoggerTune(f, tlAorB));
     if (column == "freq") return text(spots::netLoggerFrequencyCell(f[1]));
     if (column == "mode2") return text(f[2]);
     if (column == "netName") return text(f[0]);
@@ -403,20 +413,26 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
   } else if (t == "netsTable") {
     const ListRow& f = tlNetsArray[r];
     if (f.size() < 7) return std::nullopt;
-    if (column == "tune3") return button("netsTableTuneButton", "Tune", &SerialPortDemoController::goNetsTune);
+    if (column == "tune3")
+      return tune("netsTableTuneButton", &SerialPortDemoController::goNetsTune, spots::netsTune(f, tlAorB));
     if (column == "utc") return text(f[2]);
     if (column == "freq") return text(f[1]);
     if (column == "netName") return link(f[0], f[4]);
     if (column == "mode") return text(f[3]);
     if (column == "confirmed") return text(f[5]);
+    // Without a net id the service cannot be told: both buttons do nothing.
+    const std::string noId = "does nothing: the net has no identifier";
     if (column == "confirm")
-      return button("netsTableConfirmButton", "Confirm", &SerialPortDemoController::goNetsConfirm);
+      return button("netsTableConfirmButton", "Confirm", &SerialPortDemoController::goNetsConfirm,
+                    f[6].empty() ? noId : "confirms " + f[0]);
     if (column == "unconfirm")
-      return button("netsTableUnconfirmButton", "Withdraw", &SerialPortDemoController::goNetsUnconfirm);
+      return button("netsTableUnconfirmButton", "Withdraw", &SerialPortDemoController::goNetsUnconfirm,
+                    f[6].empty() ? noId : "withdraws the confirmation of " + f[0]);
   } else if (t == "mwTable") {
     const ListRow& f = tlMWArray[r];
     if (f.size() < 5) return std::nullopt;
-    if (column == "tune3") return button("mwTableTuneButton", "Tune", &SerialPortDemoController::goMWTune);
+    if (column == "tune3")
+      return tune("mwTableTuneButton", &SerialPortDemoController::goMWTune, spots::mwTune(f, tlAorB));
     if (column == "station") return link(f[0], f[4]);
     if (column == "freq") return text(f[1]);
     if (column == "city") return text(f[2]);

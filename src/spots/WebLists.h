@@ -97,6 +97,10 @@ std::string netLoggerTune(const Row& row, const std::string& side);
 // Also gives the hertz value for the console log.
 std::optional<std::string> mwTune(const Row& row, const std::string& side, std::int64_t* hertz = nullptr);
 
+// What a sent tune string does, for the operator: "tunes VFO A to 14.074 MHz,
+// USB" (the mode only when the string sets one); "" when it sets no frequency.
+std::string describeTune(std::string_view sent);
+
 // The JSON body that confirms (action 1) or withdraws (action 0) a net; none
 // when it cannot be serialised (a key or id that is not UTF-8).
 std::optional<std::string> netConfirmationBody(const std::string& key, const std::string& netId, int action);

@@ -39,11 +39,16 @@ struct Entry {
 };
 
 // A column of a table: its identifier (what the data source is asked for) and header.
+// A column of buttons may answer to a key: that key pressed on the table's
+// selected row presses the row's button, and `keyAction` says what it does
+// ("tunes the radio to the selected spot") in the table's description.
 struct Column {
   std::string identifier;
   std::string title;
   int width = 100;
   bool sortable = false;
+  std::string key = {};  // "Return", "Ctrl+Return", "Delete"; "" for none
+  std::string keyAction = {};
 };
 
 // Names of the status images a pop-up entry can carry.

@@ -69,4 +69,35 @@ void clickHeader(Control& table, int column) {
   if (TableDataSource* source = sourceFor(table)) source->headerClicked(table, column);
 }
 
+bool pressKeyOnRow(Control& table, int row, const std::string& key) {
+  if (key.empty()) return false;
+  for (const auto& col : table.columns())
+    if (col.key == key) return clickInCell(table, col.identifier, row);
+  return false;
+}
+
+std::string rowKeysText(const Control& table, int row) {
+  TableDataSource* source = sourceFor(table);
+  if (!source || !inRows(*source, table, row)) return {};
+  std::string out;
+  for (const auto& col : table.columns()) {
+    if (col.key.empty()) continue;
+    const std::optional<Cell> cell = source->cellFor(table, col.identifier, row);
+    if (!cell || cell->kind != CellKind::Button) continue;
+    const std::string& does = cell->description.empty() ? col.keyAction : cell->description;
+    if (!out.empty()) out += ' ';
+    out += col.key + ' ' + does + '.';
+  }
+  return out;
+}
+
+std::string tableKeysText(const Control& table) {
+  std::string out;
+  for (const auto& col : table.columns()) {
+    if (col.key.empty()) continue;
+    out += (out.empty() ? "Keys on the selected row: " : "; ") + col.key + ' ' + col.keyAction;
+  }
+  return out.empty() ? out : out + '.';
+}
+
 }  // namespace tolvane::ui

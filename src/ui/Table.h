@@ -31,6 +31,9 @@ struct Cell {
   int selected = -1;
   int tag = 0;
   Control::Action action;
+  // Button: what pressing it does now, for the row's accessible text
+  // ("tunes VFO A to 14.074 MHz, USB"); "" leaves the column's keyAction.
+  std::string description;
 };
 
 // Where a dragged row is dropped: onto a row, or into the gap above it.
@@ -82,5 +85,18 @@ bool dropText(Control& table, const std::optional<std::string>& text, int row, D
 // Drags row `from` of the table and drops it above row `to`, as a drag within one table does.
 bool dragRow(Control& table, int from, int to);
 void clickHeader(Control& table, int column);
+
+// ---------------------------------------------------------------- keys on the selected row
+
+// The operator pressed `key` on `row`: presses that row's button in the column
+// that answers to the key. False when no column does, or its cell has no button.
+bool pressKeyOnRow(Control& table, int row, const std::string& key);
+// What the keys do on `row`, as one sentence per key: "Return tunes VFO A to
+// 14.074 MHz, USB." Empty when no column answers to a key (or the table takes
+// no gesture now).
+std::string rowKeysText(const Control& table, int row);
+// What the keys do on any selected row, from the columns alone: "Keys on the
+// selected row: Return tunes the radio to the spot." Empty when none.
+std::string tableKeysText(const Control& table);
 
 }  // namespace tolvane::ui

@@ -571,6 +571,8 @@ TEST_F(WebLists, NetLoggerNetsAndMwTablesAndTunes) {
             "MD01;FA003916000;SS0640000;SS0560000;MD01;FA003940000;SS0640000;MD05;FA001080000;SS0640000;");
   EXPECT_EQ(rig.log.lines, (std::vector<std::string>{"1080000", "MD05;FA001080000;SS0640000;"}));
   EXPECT_EQ(rig.speech.spoken, (std::vector<std::string>{"Big", "Morning", "KAAA"}));
+  EXPECT_EQ(ui::rowKeysText(rig.at("mwTable"), 0), "Return tunes VFO A to 1.080 MHz, AM.");
+  EXPECT_EQ(ui::rowKeysText(rig.at("netLoggerTable"), 0), "Return tunes VFO A to 3.916 MHz, LSB.");
 
   // A stale button (row outside the list) sends nothing.
   rig.port->clearWrites();

@@ -3,6 +3,7 @@
 // indicator, and a reload repaints the rows.
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QDragEnterEvent>
@@ -223,6 +224,100 @@ TEST_F(TableViewTest, DuringAReadTheCellsAreNotEditableAndComeBackAfterIt) {
   EXPECT_TRUE(mode->isEnabled());
   EXPECT_TRUE(m->setData(freq, QStringLiteral("7.2")));
   EXPECT_EQ(rig.c().tlMemArray[2].frequency, "007200000");
+}
+
+// The web lists from the keyboard: Return on the selected row presses its
+// Tune button, and on the nets list Ctrl+Return confirms and Delete withdraws;
+// what the keys do is in the row's accessible text.
+struct WebListKeys : ::testing::Test {
+  test::Rig rig;
+  Binder binder{rig.window};
+  MainWindow window{binder};
+
+  void SetUp() override {
+    rig.openPort();
+    rig.c().tlAorB = "A";
+    rig.c().tlPotaArray = {{"K1AAA", "7185", "SSB", "", "Park A", "3", "0.0", "0.0", "US-ME", "US-0001"},
+                           {"K2BBB", "14074", "FT8", "", "Park B", "5", "0.0", "0.0", "US-NH", "US-0002"}};
+    rig.c().tlNetsArray = {{"Morning", "3.940", "1300", "LSB", "", "2", "117"}};
+    rig.c().overrideServiceAddress("nets", "http://nets.local");
+    rig.at("potaTable").reloadData();
+    rig.at("netsTable").reloadData();
+    rig.at("mainTab").selectIndex(5);
+    window.resize(1000, 800);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  }
+  TableView* table(const char* outlet) {
+    auto* view = binder.widgetAs<TableView>(outlet);
+    EXPECT_NE(view, nullptr);
+    return view;
+  }
+};
+
+TEST_F(WebListKeys, ReturnTunesTheSelectedRowAndTheRowSaysSo) {
+  TableView* view = table("potaTable");
+  rig.at("spotsTab").selectIndex(0);
+  view->setFocus();
+  view->selectRow(1);
+  EXPECT_EQ(view->model()->index(1, 3).data(Qt::AccessibleDescriptionRole).toString(),
+            "Return tunes VFO A to 14.074 MHz, USB.");
+  QTest::keyClick(view, Qt::Key_Return);
+  EXPECT_EQ(rig.written(), "MD02;SF1E;FA014074000;SS0640000;");
+  view->selectRow(0);
+  rig.port->clearWrites();
+  QTest::keyClick(view, Qt::Key_Enter, Qt::KeypadModifier);
+  EXPECT_EQ(rig.written(), "MD01;SF1E;FA007185000;SS0640000;");
+
+  // The same through the accessibility interfaces: the table says which keys
+  // act, and each cell of the selected row what they do now (VFO B chosen).
+  rig.c().tlAorB = "B";
+  QAccessibleInterface* a = QAccessible::queryAccessibleInterface(view);
+  ASSERT_NE(a, nullptr);
+  ASSERT_NE(a->tableInterface(), nullptr);
+  EXPECT_EQ(a->text(QAccessible::Description), "Keys on the selected row: Return tunes the radio to the spot.");
+  EXPECT_EQ(view->toolTip(), a->text(QAccessible::Description));
+  QAccessibleInterface* cell = a->tableInterface()->cellAt(0, 1);
+  ASSERT_NE(cell, nullptr);
+  EXPECT_EQ(cell->text(QAccessible::Name), "K1AAA");
+  EXPECT_EQ(cell->text(QAccessible::Description), "Return tunes VFO B to 7.185 MHz, LSB.");
+}
+
+TEST_F(WebListKeys, OnTheNetsListCtrlReturnConfirmsAndDeleteWithdraws) {
+  TableView* view = table("netsTable");
+  rig.at("spotsTab").selectIndex(3);
+  view->setFocus();
+  view->selectRow(0);
+  EXPECT_EQ(view->model()->index(0, 3).data(Qt::AccessibleDescriptionRole).toString(),
+            "Return tunes VFO A to 3.940 MHz, LSB. Ctrl+Return confirms Morning. Delete withdraws the confirmation "
+            "of Morning.");
+  EXPECT_EQ(view->accessibleDescription(),
+            "Keys on the selected row: Return tunes the radio to the net; Ctrl+Return confirms the net; Delete "
+            "withdraws the confirmation of the net.");
+  QTest::keyClick(view, Qt::Key_Return);
+  EXPECT_EQ(rig.written(), "MD01;FA003940000;SS0640000;");
+  // The list comes back with the same net: the keyboard is still on its row.
+  platform::HttpResponse list;
+  list.ok = true;
+  list.status = 200;
+  list.body =
+      "<NetName>Morning</NetName><Frequency>3.940</Frequency><UTC>1300</UTC><Mode>LSB</Mode>"
+      "<URL></URL><Confirmed>3</Confirmed><NetID>117</NetID>\n";
+  rig.http.serve("http://nets.local/nets.php", list);
+  rig.http.requests.clear();
+  QTest::keyClick(view, Qt::Key_Return, Qt::ControlModifier);
+  ASSERT_EQ(rig.http.requests.size(), 2u);  // the confirmation and the list's refresh
+
+  rig.scheduler.advance(std::chrono::seconds(2));
+  QCoreApplication::processEvents();
+  ASSERT_EQ(view->model()->rowCount(), 1);
+  QTest::keyClick(view, Qt::Key_Delete);
+  EXPECT_EQ(view->currentIndex().row(), 0);
+  std::vector<std::string> posted;
+  for (const auto& r : rig.http.requests)
+    if (r.method == "POST") posted.push_back(r.body);
+  EXPECT_EQ(posted, (std::vector<std::string>{R"({"action":1,"key":"","net_id":"117"})",
+                                              R"({"action":0,"key":"","net_id":"117"})"}));
 }
 
 }  // namespace
