@@ -19,18 +19,12 @@ void SerialPortDemoController::refreshBandConditions(std::function<void()> whenS
       },
       [this, whenShown = std::move(whenShown)] {
         const conditions::FeedValues values = conditions::readSolarFeed(conditionsFetch_.slot);
-        // With no feed to read (no answer, a failure, no address, nothing on
-        // its lines) the box claims nothing: every field is empty and
-        // uncoloured, and the 6 m band is not called open.
-        const bool noFeed = values == conditions::FeedValues{};
         if (ui::Control* box = control("bandBox")) box->setTitle("Band Conditions - " + values[0]);
         for (std::size_t i = 0; i < conditions::kFeedLines.size(); ++i) {
           const std::string& value = values[i + 1];
           const std::string outlet = conditions::kFeedLines[i].outlet;
           conditions::Shown shown;
-          if (noFeed)
-            shown = {"", ui::Bezel::None};
-          else if (outlet == "solarFluxField")
+          if (outlet == "solarFluxField")
             shown = conditions::solarFluxField(value);
           else if (outlet == "magicBandField")
             shown = conditions::magicBandField(value);
