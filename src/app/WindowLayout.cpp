@@ -292,7 +292,7 @@ void buildSpotsPage(ui::Window& w, Control& mainTab) {
 
 void buildWindow(ui::Window& w) {
   Control& mainTab = w.add("mainTab", Kind::TabView);
-  mainTab.setEntries(titles({"Connection", "Operate", "Memories", "Messages", "Settings", "Spots", "Conditions"}));
+  mainTab.setEntries(titles({"Connection", "Operate", "Memories", "Messages", "Settings", "Spots"}));
   buildConnectionPage(w, mainTab);
   buildOperatePage(w, mainTab);
   buildMemoriesPage(w, mainTab);

@@ -14,7 +14,6 @@ enum MainTabPage : int {
   kPageMessages = 3,
   kPageSettings = 4,
   kPageSpots = 5,
-  kPageConditions = 6,
 };
 
 // Creates every control of the window in `window`.

@@ -173,7 +173,7 @@ void MainWindow::buildMenus() {
   quit->setShortcut(QKeySequence::Quit);
   connect(quit, &QAction::triggered, this, &QWidget::close);
 
-  // Every page has a shortcut, Ctrl+1 to Ctrl+7 in tab order, and Ctrl+F
+  // Every page has a shortcut, Ctrl+1 to Ctrl+6 in tab order, and Ctrl+F
   // puts the focus in the frequency field of the operating page.
   QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
   const ui::Control& main = binder_.model().at("mainTab");
