@@ -2,7 +2,7 @@
 // services and virtual time, with the real binder and table views shown on
 // the offscreen platform. One iteration is one refresh: the answer decoded
 // when it arrives, the rows sorted and the table reloaded at the deadline,
-// the Qt table model filled, its Tune buttons placed and the view painted.
+// the Qt table model filled and the view painted, its Tune cells drawn as buttons.
 // Both turns of the event loop are inside the measured time, so it is an
 // upper bound for either. Each is meant to stay under 20 ms.
 #include <benchmark/benchmark.h>

@@ -1,11 +1,15 @@
 #include "desktop/TableView.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
 #include <QPalette>
-#include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QStyledItemDelegate>
 #include <QTimer>
 
@@ -222,9 +226,8 @@ bool TableModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int 
   return moved;
 }
 
-namespace {
-
-// Pop-up cells edit through a list of their entries; other cells as usual.
+// Pop-up cells edit through a list of their entries; button cells are drawn
+// as push buttons and pressed with the mouse; other cells as usual.
 class CellDelegate : public QStyledItemDelegate {
  public:
   CellDelegate(TableModel& model, QObject* parent) : QStyledItemDelegate(parent), model_(model) {}
@@ -253,15 +256,74 @@ class CellDelegate : public QStyledItemDelegate {
     QStyledItemDelegate::setModelData(editor, model, index);
   }
 
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    const ui::Cell* c = model_.cell(index.row(), index.column());
+    if (!c || c->kind != ui::CellKind::Button) {
+      QStyledItemDelegate::paint(painter, option, index);
+      return;
+    }
+    // The row's background (and selection) under the button, then the button
+    // as the style draws one: sunk while held down, lit under the pointer.
+    QStyleOptionViewItem item(option);
+    initStyleOption(&item, index);
+    item.text.clear();
+    QStyle* style = option.widget ? option.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &item, painter, option.widget);
+    QStyleOptionButton button;
+    button.rect = option.rect;
+    button.text = q(c->text);
+    button.palette = option.palette;
+    button.fontMetrics = option.fontMetrics;
+    button.direction = option.direction;
+    button.state = option.state & (QStyle::State_Enabled | QStyle::State_MouseOver | QStyle::State_Active);
+    button.state |= pressed_ == index ? QStyle::State_Sunken : QStyle::State_Raised;
+    style->drawControl(QStyle::CE_PushButton, &button, painter, option.widget);
+  }
+
+  // A button cell is pressed by the left button going down on it and clicked
+  // when it comes up on the same cell; the row is not selected by it.
+  bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+    const ui::Cell* c = model_.cell(index.row(), index.column());
+    if (!c || c->kind != ui::CellKind::Button) return QStyledItemDelegate::editorEvent(event, model, option, index);
+    switch (event->type()) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonDblClick:
+        if (static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton) return false;
+        pressed_ = index;
+        return true;
+      case QEvent::MouseButtonRelease: {
+        const auto* e = static_cast<QMouseEvent*>(event);
+        const bool click =
+            e->button() == Qt::LeftButton && pressed_ == index && option.rect.contains(e->position().toPoint());
+        pressed_ = QPersistentModelIndex();
+        if (!click) return false;
+        const auto& id = model_.control().columns()[static_cast<std::size_t>(index.column())].identifier;
+        ui::clickInCell(model_.control(), id, index.row());
+        return true;
+      }
+      default:
+        return false;
+    }
+  }
+
+  // The button cell held down, let go of (the mouse came up anywhere); none when nothing was held.
+  QModelIndex letGo() {
+    const QModelIndex held = pressed_;
+    pressed_ = QPersistentModelIndex();
+    return held;
+  }
+
  private:
   TableModel& model_;
+  QPersistentModelIndex pressed_;
 };
 
-}  // namespace
-
-TableView::TableView(ui::Control& table, QWidget* parent) : QTableView(parent), model_(table) {
+TableView::TableView(ui::Control& table, QWidget* parent)
+    : QTableView(parent), model_(table), delegate_(new CellDelegate(model_, this)) {
   setModel(&model_);
-  setItemDelegate(new CellDelegate(model_, this));
+  setItemDelegate(delegate_);
+  viewport()->setAttribute(Qt::WA_Hover);  // button cells light up under the pointer
   // A choice made from the keyboard shows in the cell's own pop-up too.
   connect(&model_, &TableModel::popUpChosen, this, [this](int row, int column) {
     const ui::Cell* c = model_.cell(row, column);
@@ -325,8 +387,14 @@ void TableView::keyPressEvent(QKeyEvent* event) {
   QTableView::keyPressEvent(event);
 }
 
+void TableView::mouseReleaseEvent(QMouseEvent* event) {
+  QTableView::mouseReleaseEvent(event);
+  // Released outside the cell it went down on: that button springs back unclicked.
+  if (const QModelIndex held = delegate_->letGo(); held.isValid()) update(held);
+}
+
 void TableView::showEvent(QShowEvent* event) {
-  // A table on a page nobody has opened yet makes its cell widgets when the page is first shown.
+  // A table on a page nobody has opened yet makes its pop-ups when the page is first shown.
   if (cellControlsStale_) placeCellControls();
   QTableView::showEvent(event);
 }
@@ -373,9 +441,7 @@ void TableView::placeCellControls() {
   for (int r = 0; r < model_.rowCount(); ++r) {
     for (int col = 0; col < model_.columnCount(); ++col) {
       const ui::Cell* c = model_.cell(r, col);
-      if (!c) continue;
-      const QModelIndex index = model_.index(r, col);
-      if (c->kind == ui::CellKind::PopUp) {
+      if (c && c->kind == ui::CellKind::PopUp) {
         auto* box = new QComboBox;
         box->setObjectName(q(c->outlet));
         // "Mode, M-03": what the pop-up sets, and for which row.
@@ -386,13 +452,7 @@ void TableView::placeCellControls() {
         box->setCurrentIndex(c->selected);
         box->setEnabled(!model_.control().held());
         connect(box, &QComboBox::activated, this, [this, r, col](int i) { model_.choose(r, col, i); });
-        setIndexWidget(index, box);
-      } else if (c->kind == ui::CellKind::Button) {
-        auto* button = new QPushButton(q(c->text));
-        button->setObjectName(q(c->outlet));
-        const std::string id = model_.control().columns()[static_cast<std::size_t>(col)].identifier;
-        connect(button, &QPushButton::clicked, this, [this, id, r] { ui::clickInCell(model_.control(), id, r); });
-        setIndexWidget(index, button);
+        setIndexWidget(model_.index(r, col), box);
       }
     }
   }

@@ -5,8 +5,10 @@
 // again only when the control is reloaded. Typed text, pop-up choices, button
 // and link clicks, drags of rows and header clicks go back to the data source
 // through the shared gesture functions, exactly as the tests drive them.
-// Pop-up and button cells are live widgets (index widgets) of the view. As
-// those cannot be reached by assistive technologies (nor by Tab in every
+// Pop-up cells are live widgets (index widgets) of the view. Button cells are
+// only painted as push buttons by the view's delegate, which also takes the
+// mouse for them, so a list of hundreds of rows costs no widget per row. As
+// neither can be reached by assistive technologies (nor by Tab in every
 // style), a column of buttons may answer to a key on the selected row
 // (Return tunes); each cell's accessible description says what the keys do
 // on its row, and the table's tooltip and description list the keys.
@@ -75,6 +77,8 @@ class TableModel : public QAbstractTableModel {
   std::vector<std::vector<std::optional<ui::Cell>>> cells_;  // [row][column]
 };
 
+class CellDelegate;
+
 class TableView : public QTableView {
   Q_OBJECT
  public:
@@ -87,12 +91,14 @@ class TableView : public QTableView {
   void showSortIndicator();
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  // Pop-up and button cells get a live combo box or push button of their own.
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  // Pop-up cells get a live combo box of their own.
   void placeCellControls();
 
   TableModel model_;
+  CellDelegate* delegate_;
   bool held_ = false;
-  bool cellControlsStale_ = true;     // rows were fetched since the cell widgets were made
+  bool cellControlsStale_ = true;     // rows were fetched since the pop-ups were made
   std::pair<int, int> kept_{-1, -1};  // the current cell (row, column), taken again after a reload
 };
 

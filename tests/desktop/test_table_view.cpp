@@ -226,9 +226,10 @@ TEST_F(TableViewTest, DuringAReadTheCellsAreNotEditableAndComeBackAfterIt) {
   EXPECT_EQ(rig.c().tlMemArray[2].frequency, "007200000");
 }
 
-// The web lists from the keyboard: Return on the selected row presses its
-// Tune button, and on the nets list Ctrl+Return confirms and Delete withdraws;
-// what the keys do is in the row's accessible text.
+// The web lists by hand: a click on a row's Tune cell tunes to it; from the
+// keyboard Return on the selected row presses its Tune button, and on the
+// nets list Ctrl+Return confirms and Delete withdraws; what the keys do is in
+// the row's accessible text.
 struct WebListKeys : ::testing::Test {
   test::Rig rig;
   Binder binder{rig.window};
@@ -253,7 +254,31 @@ struct WebListKeys : ::testing::Test {
     EXPECT_NE(view, nullptr);
     return view;
   }
+  QPoint centre(TableView* view, int row, const std::string& column) {
+    const auto& columns = rig.at(view->objectName().toStdString()).columns();
+    for (std::size_t i = 0; i < columns.size(); ++i)
+      if (columns[i].identifier == column)
+        return view->visualRect(view->model()->index(row, static_cast<int>(i))).center();
+    ADD_FAILURE() << column;
+    return {};
+  }
 };
+
+TEST_F(WebListKeys, AClickOnATuneCellTunesItsRowAndAReleaseElsewhereDoesNothing) {
+  TableView* view = table("potaTable");
+  rig.at("spotsTab").selectIndex(0);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(view->model()->index(1, 0).data().toString(), "Tune");
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, centre(view, 1, "tune"));
+  EXPECT_EQ(rig.written(), "MD02;SF1E;FA014074000;SS0640000;");
+  rig.port->clearWrites();
+  // Pressed on one row's button, let go over the other row's: no click.
+  QTest::mousePress(view->viewport(), Qt::LeftButton, Qt::NoModifier, centre(view, 0, "tune"));
+  QTest::mouseRelease(view->viewport(), Qt::LeftButton, Qt::NoModifier, centre(view, 1, "tune"));
+  EXPECT_EQ(rig.written(), "");
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, centre(view, 0, "tune"));
+  EXPECT_EQ(rig.written(), "MD01;SF1E;FA007185000;SS0640000;");
+}
 
 TEST_F(WebListKeys, ReturnTunesTheSelectedRowAndTheRowSaysSo) {
   TableView* view = table("potaTable");
