@@ -7,20 +7,20 @@ over, eight clients each send "f" and "m" to the rigctld-protocol server every
 100 ms for SHARE_SECONDS (60 by default) and time each round trip. Meanwhile the
 simulator's front-panel knob is turned once a second and the time from the
 turn to the new title of the VFO A button is taken from the program's trace
-marks (TOLVANE_TRACE). Printed: the round trips' percentiles, the commands the
-simulator received during the polling (reads must cause none), the
-knob-to-title times with and without the clients, and the longest
-event-loop stall.
+marks (TOLVANE_TRACE). Printed: the round trips' percentiles, the commands
+and bytes the simulator received during the polling (reads must cause none),
+the knob-to-title times with and without the clients, and the event-loop
+stalls before and during the polling.
 
 Usage: bench/share_polling.py [path/to/tolvane [path/to/tolvane-sim]]
        SHARE_SECONDS=10 bench/share_polling.py   (a shorter run)
 """
+import multiprocessing
 import os
 import socket
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 
 EXE = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "..", "build", "src", "desktop", "tolvane")
@@ -55,7 +55,10 @@ def percentile(values, p):
     return v[min(len(v) - 1, int(round(p / 100.0 * (len(v) - 1))))]
 
 
-def poller(port, stop, times, errors):
+def poller(port, stop, results):
+    """One client in a process of its own: threads of one interpreter would
+    wait for each other's lock and add that wait to the round trips."""
+    times, errors = [], []
     s = socket.create_connection(("127.0.0.1", port))
     s.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
     f = s.makefile("rb")
@@ -71,6 +74,7 @@ def poller(port, stop, times, errors):
         time.sleep(max(0.0, next_at - time.monotonic()))
     s.sendall(b"q\n")
     s.close()
+    results.put((times, errors))
 
 
 def knob_titles(trace_path, panel, turns, start_freq):
@@ -118,20 +122,27 @@ def main():
         turns = max(3, int(min(SECONDS, 20)))
         alone, freq = knob_titles(trace, sim.stdin, turns, 14074000)
 
-        stop = threading.Event()
+        stop = multiprocessing.Event()
+        results = multiprocessing.Queue()
         times, errors = [], []
         with open(wire) as f:
             before = len(f.readlines())
-        threads = [threading.Thread(target=poller, args=(rport, stop, times, errors)) for _ in range(CLIENTS)]
+        threads = [multiprocessing.Process(target=poller, args=(rport, stop, results)) for _ in range(CLIENTS)]
         for t in threads:
             t.start()
         started = time.time()
+        polling_from = time.monotonic_ns()
         polled, freq = knob_titles(trace, sim.stdin, turns, freq)
         while time.time() - started < SECONDS:
             time.sleep(0.2)
         stop.set()
+        for _ in threads:
+            t, e = results.get()
+            times += t
+            errors += e
         for t in threads:
             t.join()
+        polling_to = time.monotonic_ns()
         with open(wire) as f:
             during = [l.split()[1] for l in f.readlines()[before:] if len(l.split()) > 1]
         # The knob's own reports make the program ask "GT0;RA0;RF0;" each time.
@@ -143,17 +154,22 @@ def main():
               f"max {max(times):.3f}")
         print(f"  commands on the serial line during polling: {len(during)} "
               f"({len(during) - len(caused)} are the window's own GT0/RA0/RF0 after each knob report; "
-              f"other: {len(caused)} {caused[:10]})")
+              f"other: {len(caused)} {caused[:10]}, {sum(len(c) for c in caused)} bytes)")
         if alone and polled:
             print(f"  knob to VFO A title, ms: alone median {percentile(alone, 50):.2f} max {max(alone):.2f} "
                   f"({len(alone)} turns); with clients median {percentile(polled, 50):.2f} "
                   f"max {max(polled):.2f} ({len(polled)} turns)")
-        stalls = []
+        # "trace stall N ms at T": T is the monotonic clock this script reads too.
+        before_polling, polling = [], []
         with open(trace) as f:
             for line in f:
                 if line.startswith("trace stall "):
-                    stalls.append(int(line.split()[2]))
-        print(f"  event-loop stalls over 20 ms: {len(stalls)}; longest {max(stalls) if stalls else 0} ms")
+                    words = line.split()
+                    at = int(words[-1])
+                    (polling if polling_from <= at <= polling_to else before_polling).append(int(words[2]))
+        for name, stalls in (("before the polling", before_polling), ("during the polling", polling)):
+            print(f"  event-loop stalls over 20 ms {name}: {len(stalls)}; longest {max(stalls) if stalls else 0} ms"
+                  f" {sorted(stalls, reverse=True)[:5]}")
         return 0
     finally:
         app.terminate()

@@ -152,7 +152,11 @@ void RigctlServer::read(QTcpSocket* socket) {
   const std::string answer =
       session.receive(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
   clientHeard(socket);
-  if (!answer.empty()) socket->write(answer.data(), static_cast<qint64>(answer.size()));
+  if (!answer.empty()) {
+    socket->write(answer.data(), static_cast<qint64>(answer.size()));
+    // Sent now, not on the event loop's next pass: a polling client waits for it.
+    socket->flush();
+  }
   if (socket->bytesToWrite() > kMaxUnread) {
     sessions_.erase(it);
     dropClient(socket, QStringLiteral("it does not read its answers"));
