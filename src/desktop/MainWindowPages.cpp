@@ -229,11 +229,9 @@ void MainWindow::buildBandConditions(QBoxLayout* into) {
   auto* box = qobject_cast<QGroupBox*>(take("bandBox"));
   if (!box) return;
   auto* grid = new QGridLayout(box);
-  auto caption = [](const QString& text) {
-    auto* l = new QLabel(text);
-    l->setStyleSheet(QStringLiteral("color: palette(mid);"));
-    return l;
-  };
+  // Captions in the ordinary text colour: a pale grey would read as disabled
+  // and fail contrast on light themes.
+  auto caption = [](const QString& text) { return new QLabel(text); };
   auto place = [&](const char* outlet, int row, int column, const QString& name) {
     if (QWidget* w = take(outlet)) {
       w->setAccessibleName(name);

@@ -411,9 +411,23 @@ void TableView::refresh() {
     for (auto* box : findChildren<QComboBox*>()) box->setEnabled(!held_);
     viewport()->update();
   }
+  // The last column takes the spare width, unless it is a button column (one
+  // with a key of its own): then the widest column of text takes it, so a
+  // button keeps a button's size.
   const auto& cols = c.columns();
-  for (int i = 0; i < static_cast<int>(cols.size()); ++i) {
-    if (i + 1 < static_cast<int>(cols.size())) setColumnWidth(i, cols[static_cast<std::size_t>(i)].width);
+  const int n = static_cast<int>(cols.size());
+  const bool lastIsButton = n > 0 && !cols.back().key.empty();
+  int widest = -1;
+  for (int i = 0; i < n; ++i) {
+    const ui::Column& col = cols[static_cast<std::size_t>(i)];
+    if (lastIsButton && col.key.empty() && (widest < 0 || col.width > cols[static_cast<std::size_t>(widest)].width))
+      widest = i;
+  }
+  horizontalHeader()->setStretchLastSection(!lastIsButton || widest < 0);
+  for (int i = 0; i < n; ++i) {
+    const bool stretch = i == widest;
+    horizontalHeader()->setSectionResizeMode(i, stretch ? QHeaderView::Stretch : QHeaderView::Interactive);
+    if (!stretch && (i + 1 < n || lastIsButton)) setColumnWidth(i, cols[static_cast<std::size_t>(i)].width);
   }
   if (c.dataSource()) verticalHeader()->setDefaultSectionSize(c.dataSource()->rowHeight(c, 0));
   setAcceptDrops(c.isDropTarget());
