@@ -6,30 +6,11 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "share/ControllerRig.h"
+#include "SharedRadio.h"
 #include "share/RigctlSession.h"
-#include "support/Harness.h"
-
-namespace {
-
-struct Setup {
-  tolvane::test::Rig rig;
-  tolvane::share::ControllerRig shared{rig.c()};
-  Setup() {
-    rig.openPortAndSettle();
-    rig.receive("FA014074000;FB007074000;MD02;TX0;RM1050000;");
-  }
-};
-
-Setup& setup() {
-  static Setup* s = new Setup;
-  return *s;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Setup& s = setup();
+  tolvane::fuzz::SharedRadio& s = tolvane::fuzz::sharedRadio();
   tolvane::share::RigctlSession session(s.shared);
   std::string_view input(reinterpret_cast<const char*>(data), size);
   std::size_t piece = 1;

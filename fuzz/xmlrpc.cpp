@@ -8,26 +8,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "SharedRadio.h"
 #include "desktop/XmlRpcReader.h"
-#include "share/ControllerRig.h"
 #include "share/FlrigMethods.h"
-#include "support/Harness.h"
 
 namespace {
-
-struct Setup {
-  tolvane::test::Rig rig;
-  tolvane::share::ControllerRig shared{rig.c()};
-  Setup() {
-    rig.openPortAndSettle();
-    rig.receive("FA014074000;FB007074000;MD02;TX0;RM1050000;");
-  }
-};
-
-Setup& setup() {
-  static Setup* s = new Setup;
-  return *s;
-}
 
 int depth(const tolvane::share::XmlRpcValue& v) {
   int deepest = 0;
@@ -42,7 +27,7 @@ bool endsWith(const std::string& s, const std::string& end) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Setup& s = setup();
+  tolvane::fuzz::SharedRadio& s = tolvane::fuzz::sharedRadio();
   const QByteArray body = QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
   QString error;
   const auto call = tolvane::desktop::readXmlRpcCall(body, &error);
