@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QObject>
+#include <QTest>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -24,13 +24,6 @@
 
 namespace tolvane::desktop {
 namespace {
-
-bool waitFor(const std::function<bool()>& done, int ms) {
-  QElapsedTimer t;
-  t.start();
-  while (!done() && t.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-  return done();
-}
 
 struct Outcome : platform::SerialPortListener {
   int opened = 0;
@@ -129,7 +122,7 @@ TEST(PortCareOnTerminals, APortUnpluggedWhileOpenIsReopenedWhenANewTerminalAppea
   // Unplugged: the name goes, then the terminal behind it.
   ASSERT_EQ(unlink(link.c_str()), 0);
   first.stop();
-  ASSERT_TRUE(waitFor([&] { return model.at("openCloseButton").title() == "Connect"; }, 5000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return model.at("openCloseButton").title() == "Connect"; }, 5000));
   EXPECT_TRUE(c.awaitingReturn());
   EXPECT_EQ(model.title(), "Tolvane");
 
@@ -143,7 +136,7 @@ TEST(PortCareOnTerminals, APortUnpluggedWhileOpenIsReopenedWhenANewTerminalAppea
     for (const auto& l : log.lines) all += l + "\n";
     return all;
   };
-  ASSERT_TRUE(waitFor([&] { return model.at("openCloseButton").title() == "Connected"; }, 5000)) << logged();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return model.at("openCloseButton").title() == "Connected"; }, 5000)) << logged();
   EXPECT_EQ(model.title(), "Tolvane \xE2\x80\x94 " + link + " (connected)");
   bool told = false;
   for (const auto& [title, text] : notifications.delivered)
@@ -155,7 +148,7 @@ TEST(PortCareOnTerminals, APortUnpluggedWhileOpenIsReopenedWhenANewTerminalAppea
   // The reopened port talks to the new terminal: its answer reaches VFO A.
   c.tlFreqA.clear();
   c.transmit("FA;");
-  EXPECT_TRUE(waitFor([&] { return c.tlFreqA.size() == 9; }, 3000)) << c.tlFreqA;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return c.tlFreqA.size() == 9; }, 3000)) << c.tlFreqA;
 
   model.at("openCloseButton").click();
   second.stop();

@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QSocketNotifier>
+#include <QTest>
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -21,14 +21,6 @@
 
 namespace tolvane::desktop {
 namespace {
-
-// Runs the event loop until `done` holds or `ms` pass.
-bool waitFor(const std::function<bool()>& done, int ms) {
-  QElapsedTimer t;
-  t.start();
-  while (!done() && t.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-  return done();
-}
 
 struct Recorder : platform::SerialPortListener {
   int opened = 0, closed = 0, removed = 0, errors = 0, deliveries = 0;
@@ -64,16 +56,16 @@ TEST(QtSerialPortOverPty, TalksToTheSimulatorAndReportsTheFarEndGoingAwayOnce) {
   ASSERT_TRUE(port.isOpen());
 
   EXPECT_TRUE(port.sendData("FA;"));
-  ASSERT_TRUE(waitFor([&] { return r.received.find(';') != std::string::npos; }, 3000)) << r.received;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return r.received.find(';') != std::string::npos; }, 3000)) << r.received;
   EXPECT_EQ(r.received.rfind("FA", 0), 0u) << r.received;
   EXPECT_EQ(r.received.size(), 12u) << r.received;
 
   // The far end goes away: one removal, the port closed, then silence.
   sim.stop();
-  ASSERT_TRUE(waitFor([&] { return r.removed > 0; }, 3000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return r.removed > 0; }, 3000));
   EXPECT_FALSE(port.isOpen());
   const int deliveries = r.deliveries;
-  waitFor([] { return false; }, 300);
+  QTest::qWait(300);
   EXPECT_EQ(r.removed, 1);
   EXPECT_EQ(r.errors, 0);
   EXPECT_EQ(r.deliveries, deliveries);
@@ -95,7 +87,7 @@ TEST(QtSerialPortOverPty, TheWindowShowsAnUnpluggedPortAsClosed) {
   ASSERT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Green);
 
   sim.stop();
-  ASSERT_TRUE(waitFor([&] { return rig.at("openCloseButton").title() == "Connect"; }, 3000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return rig.at("openCloseButton").title() == "Connect"; }, 3000));
   EXPECT_EQ(rig.at("openCloseButton").bezel(), ui::Bezel::Red);
   EXPECT_EQ(rig.sounds.played.back(), "system:Bottle");
   EXPECT_EQ(rig.c().serialPort(), nullptr);
@@ -119,8 +111,9 @@ TEST(QtSerialPortOverPty, AnIOErrorOfAnAttachedDeviceIsAnErrorNotARemoval) {
   rig.at("mainTab").choose(2);
 
   sim.stop();
-  ASSERT_TRUE(waitFor([&] { return !rig.sounds.played.empty() && rig.sounds.played.back() == "system:Frog"; }, 3000));
-  waitFor([] { return false; }, 200);
+  ASSERT_TRUE(
+      QTest::qWaitFor([&] { return !rig.sounds.played.empty() && rig.sounds.played.back() == "system:Frog"; }, 3000));
+  QTest::qWait(200);
   ASSERT_GE(rig.log.lines.size(), 2u);
   EXPECT_EQ(rig.log.lines.end()[-2].rfind("Serial Port " + sim.path + " encountered an error: ", 0), 0u)
       << rig.log.lines.end()[-2];
@@ -170,13 +163,13 @@ TEST(HotPlugBatch, PortsPluggedInTogetherComeAsOneList) {
   batch.added("ttyUSB1");
   batch.added("ttyUSB1");
   EXPECT_TRUE(added.empty());  // gathered, not yet handed over
-  ASSERT_TRUE(waitFor([&] { return !added.empty(); }, 2000));
-  waitFor([] { return false; }, 200);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !added.empty(); }, 2000));
+  QTest::qWait(200);
   ASSERT_EQ(added.size(), 1u);
   EXPECT_EQ(added[0], (std::vector<std::string>{"ttyUSB0", "ttyUSB1"}));
   batch.removed("ttyUSB0");
   batch.removed("ttyUSB1");
-  ASSERT_TRUE(waitFor([&] { return !removed.empty(); }, 2000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !removed.empty(); }, 2000));
   EXPECT_EQ(removed[0], (std::vector<std::string>{"ttyUSB0", "ttyUSB1"}));
   EXPECT_EQ(added.size(), 1u);
 }

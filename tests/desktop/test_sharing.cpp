@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTest>
 #include <algorithm>
 #include <functional>
 
@@ -17,13 +17,6 @@
 
 namespace tolvane::desktop {
 namespace {
-
-bool waitFor(const std::function<bool()>& done, int ms = 3000) {
-  QElapsedTimer t;
-  t.start();
-  while (!done() && t.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-  return done();
-}
 
 quint16 freePort() {
   QTcpServer probe;
@@ -107,10 +100,10 @@ TEST_F(Servers, RigctldAnswersOverTcpAndLogsItsClients) {
 
   QTcpSocket client;
   client.connectToHost(QHostAddress::LocalHost, port);
-  ASSERT_TRUE(waitFor([&] { return client.state() == QAbstractSocket::ConnectedState; }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return client.state() == QAbstractSocket::ConnectedState; }));
   client.write("f\nM CW 0\nm\n");
   QByteArray got;
-  ASSERT_TRUE(waitFor([&] {
+  ASSERT_TRUE(QTest::qWaitFor([&] {
     got += client.readAll();
     return got.size() >= 22;
   }));
@@ -127,7 +120,7 @@ TEST_F(Servers, RigctldAnswersOverTcpAndLogsItsClients) {
   EXPECT_EQ(panel.clientRows(), 1);
 
   client.write("q\n");
-  ASSERT_TRUE(waitFor([&] { return server.clients().empty(); }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return server.clients().empty(); }));
   EXPECT_EQ(log.lines.back(), "Rig sharing: rigctld client " + who + " disconnected");
 }
 
@@ -152,7 +145,7 @@ TEST_F(Servers, ManyClientsGarbageAndAClientThatNeverReads) {
     clients.push_back(std::make_unique<QTcpSocket>());
     clients.back()->connectToHost(QHostAddress::LocalHost, port);
   }
-  ASSERT_TRUE(waitFor([&] { return server.clients().size() == 64; }, 5000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return server.clients().size() == 64; }, 5000));
   // One client sends binary garbage and an over-long line, another floods
   // reads and never takes its answers; the rest are still served.
   clients[0]->write(QByteArray("\x00\xff\x01\n", 4) + QByteArray(5000, 'x') + "\nf\n");
@@ -162,14 +155,14 @@ TEST_F(Servers, ManyClientsGarbageAndAClientThatNeverReads) {
   for (int i = 0; i < 500; ++i) flood += QByteArray(4000, 'f') + "\n";
   clients[1]->write(flood);
   QByteArray got0;
-  ASSERT_TRUE(waitFor([&] {
+  ASSERT_TRUE(QTest::qWaitFor([&] {
     got0 += clients[0]->readAll();
     return got0.size() >= 25;
   }));
   EXPECT_EQ(got0, "RPRT -4\nRPRT -1\n14074000\n");
   for (int i = 2; i < 64; ++i) clients[static_cast<std::size_t>(i)]->write("v\n");
   int answered = 0;
-  ASSERT_TRUE(waitFor(
+  ASSERT_TRUE(QTest::qWaitFor(
       [&] {
         answered = 0;
         for (int i = 2; i < 64; ++i)
@@ -178,7 +171,7 @@ TEST_F(Servers, ManyClientsGarbageAndAClientThatNeverReads) {
       },
       5000));
   EXPECT_EQ(clients[2]->readAll(), "VFOA\n");
-  ASSERT_TRUE(waitFor([&] { return server.clients().size() == 63; }, 5000));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return server.clients().size() == 63; }, 5000));
   EXPECT_NE(std::find(log.lines.begin(), log.lines.end(),
                       "Rig sharing: rigctld client " + who + " dropped: it does not read its answers"),
             log.lines.end())
@@ -194,11 +187,11 @@ TEST_F(Servers, XmlRpcOverHttp) {
   auto post = [port](const QByteArray& body) {
     QTcpSocket s;
     s.connectToHost(QHostAddress::LocalHost, port);
-    waitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
+    (void)QTest::qWaitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
     s.write("POST /RPC2 HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: text/xml\r\nContent-Length: " +
             QByteArray::number(body.size()) + "\r\n\r\n" + body);
     QByteArray got;
-    waitFor([&] {
+    (void)QTest::qWaitFor([&] {
       got += s.readAll();
       return got.contains("</methodResponse>\r\n") || s.state() != QAbstractSocket::ConnectedState;
     });
@@ -228,14 +221,14 @@ TEST_F(Servers, XmlRpcDropsARequestOverOneMebibyte) {
   ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
   QTcpSocket s;
   s.connectToHost(QHostAddress::LocalHost, port);
-  ASSERT_TRUE(waitFor([&] { return s.state() == QAbstractSocket::ConnectedState; }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.state() == QAbstractSocket::ConnectedState; }));
   s.write("POST /RPC2 HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 3000000\r\n\r\n");
   const QByteArray chunk(64 * 1024, 'x');
   for (int i = 0; i < 40 && s.state() == QAbstractSocket::ConnectedState; ++i) {
     s.write(chunk);
-    waitFor([&] { return s.bytesToWrite() == 0 || s.state() != QAbstractSocket::ConnectedState; }, 500);
+    (void)QTest::qWaitFor([&] { return s.bytesToWrite() == 0 || s.state() != QAbstractSocket::ConnectedState; }, 500);
   }
-  ASSERT_TRUE(waitFor([&] { return s.state() == QAbstractSocket::UnconnectedState; }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return s.state() == QAbstractSocket::UnconnectedState; }));
   bool dropped = false;
   for (const std::string& line : log.lines)
     if (line.find("dropped: its request is over 1 MiB") != std::string::npos) dropped = true;
