@@ -19,25 +19,7 @@ void PrintTo(const MemoryRecord& r, std::ostream* os) {
 
 namespace {
 
-// The radio's 40-character answer for a programmed channel.
-std::string mtAnswer(int channel, const std::string& freq, char mode, const std::string& name) {
-  char ch[8];
-  std::snprintf(ch, sizeof ch, "%03d", channel);
-  std::string padded = name;
-  padded.resize(12, ' ');
-  return "MT" + std::string(ch) + freq + "+000000" + mode + "000000" + padded;
-}
-
-// Plays the radio during a read: answers every "MT" query written from
-// `from` on, "?" for a channel that is not programmed, until the controller stops asking.
-void answerQueries(test::Rig& rig, const std::map<int, std::string>& programmed, std::size_t from = 0) {
-  for (std::size_t next = from; next < rig.port->writes().size(); ++next) {
-    const std::string q = rig.port->writes()[next].bytes;
-    if (q.size() != 6 || q.compare(0, 2, "MT") != 0) continue;
-    const auto it = programmed.find(std::stoi(q.substr(2, 3)));
-    rig.receive(it == programmed.end() ? "?;" : it->second + ";");
-  }
-}
+using test::mtAnswer;
 
 const std::map<int, std::string> kOneAndThree = {
     {1, mtAnswer(1, "014074000", '2', "calling")},
@@ -75,7 +57,7 @@ TEST(MemoryRead, AsksOneChannelAtATimeAndEndsWithNinetyNineRecords) {
   EXPECT_TRUE(table.held());
   EXPECT_TRUE(rig.c().tlMemArray.empty());
 
-  answerQueries(rig, kOneAndThree);
+  test::answerMemoryQueries(rig, kOneAndThree);
 
   std::vector<std::string> sent;
   for (const auto& w : rig.port->writes()) sent.push_back(w.bytes);
@@ -126,7 +108,7 @@ TEST(MemoryRead, RestartAfterAStallGivesTheSameRecordsAsACleanRead) {
   test::Rig clean;
   clean.openPort();
   clean.c().getMemoriesFromRadio();
-  answerQueries(clean, kOneAndThree);
+  test::answerMemoryQueries(clean, kOneAndThree);
 
   test::Rig rig;
   rig.openPort();
@@ -140,7 +122,7 @@ TEST(MemoryRead, RestartAfterAStallGivesTheSameRecordsAsACleanRead) {
   rig.at("readMemoriesButton").click();
   EXPECT_EQ(rig.c().tlMemReadCnt, 0);
   EXPECT_TRUE(rig.c().tlMemArray.empty());
-  answerQueries(rig, kOneAndThree);
+  test::answerMemoryQueries(rig, kOneAndThree);
   EXPECT_EQ(rig.c().tlMemArray, clean.c().tlMemArray);
   EXPECT_EQ(rig.port->writes().size(), 100u);
 }
@@ -180,7 +162,7 @@ TEST(MemoryRead, TheOnOpenSequenceStartsTheReadAndThenQueriesTheSlots) {
   ASSERT_EQ(rig.port->writes().size(), 1u);
   EXPECT_EQ(rig.port->writes()[0].bytes, "MT001;");
   EXPECT_EQ(rig.c().tlMemRead, "run");
-  answerQueries(rig, kOneAndThree);  // a radio that answers at once
+  test::answerMemoryQueries(rig, kOneAndThree);  // a radio that answers at once
   ASSERT_EQ(rig.c().tlMemRead, "0");
   const std::size_t read = rig.port->writes().size();
   ASSERT_EQ(read, 100u);

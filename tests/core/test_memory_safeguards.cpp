@@ -15,27 +15,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::string mtAnswer(int channel, const std::string& freq, char mode, const std::string& name) {
-  char ch[8];
-  std::snprintf(ch, sizeof ch, "%03d", channel);
-  std::string padded = name;
-  padded.resize(12, ' ');
-  return "MT" + std::string(ch) + freq + "+000000" + mode + "000000" + padded;
-}
-
-// Answers the "MT" queries written from `from` on, up to `limit` answers.
-std::size_t answer(test::Rig& rig, const std::map<int, std::string>& programmed, std::size_t from = 0,
-                   int limit = 1000) {
-  std::size_t next = from;
-  for (; next < rig.port->writes().size() && limit > 0; ++next) {
-    const std::string q = rig.port->writes()[next].bytes;
-    if (q.size() != 6 || q.compare(0, 2, "MT") != 0) continue;
-    const auto it = programmed.find(std::stoi(q.substr(2, 3)));
-    rig.receive(it == programmed.end() ? "?;" : it->second + ";");
-    --limit;
-  }
-  return next;
-}
+using test::mtAnswer;
 
 const std::map<int, std::string> kRadio = {
     {1, mtAnswer(1, "014074000", '2', "CALLING")},
@@ -46,7 +26,7 @@ const std::map<int, std::string> kRadio = {
 void readAll(test::Rig& rig) {
   rig.port->clearWrites();
   rig.at("readMemoriesButton").click();
-  answer(rig, kRadio);
+  test::answerMemoryQueries(rig, kRadio);
   ASSERT_EQ(rig.c().tlMemRead, "0");
   ASSERT_EQ(rig.c().tlMemArray.size(), 99u);
   rig.port->clearWrites();
@@ -65,7 +45,7 @@ TEST(MemoryRead, AReadThatStopsAnsweringReleasesTheTableAfterThreeSeconds) {
   rig.openPortAndSettle();
   rig.at("readMemoriesButton").click();
   ui::Control& table = rig.at("memoriesTable");
-  answer(rig, kRadio, 0, 10);  // ten answers, then the radio falls silent
+  test::answerMemoryQueries(rig, kRadio, 0, 10);  // ten answers, then the radio falls silent
   ASSERT_EQ(rig.c().tlMemRead, "run");
   rig.scheduler.advance(2999ms);
   EXPECT_TRUE(table.held());
@@ -94,7 +74,7 @@ TEST(MemoryRead, AReadThatKeepsAnsweringIsNeverCutShort) {
   // One answer every 2.5 s: slow, but each within the deadline of the one before.
   for (int i = 0; i < 100; ++i) {
     rig.scheduler.advance(2500ms);
-    next = answer(rig, kRadio, next, 1);
+    next = test::answerMemoryQueries(rig, kRadio, next, 1);
   }
   EXPECT_EQ(rig.c().tlMemRead, "0");
   EXPECT_EQ(rig.c().tlMemArray.size(), 99u);
@@ -107,7 +87,7 @@ TEST(MemoryTable, DuringAReadEveryChangeIsRefusedAndWorksAgainAfterIt) {
   readAll(rig);
   ui::Control& table = rig.at("memoriesTable");
   rig.at("readMemoriesButton").click();
-  answer(rig, kRadio, 0, 50);
+  test::answerMemoryQueries(rig, kRadio, 0, 50);
   ASSERT_TRUE(table.held());
   const std::vector<MemoryRecord> during = rig.c().tlMemArray;
   ui::editCell(table, 0, 2, "7.1");
@@ -118,7 +98,7 @@ TEST(MemoryTable, DuringAReadEveryChangeIsRefusedAndWorksAgainAfterIt) {
   EXPECT_EQ(rig.c().tlMemArray, during);
   EXPECT_EQ(table.sortColumn(), "");
 
-  answer(rig, kRadio, 0);  // the read completes
+  test::answerMemoryQueries(rig, kRadio, 0);  // the read completes
   ASSERT_FALSE(table.held());
   ui::editCell(table, 1, 2, "7.1");
   EXPECT_EQ(rig.c().tlMemArray[1].frequency, "007100000");
@@ -142,11 +122,11 @@ TEST(MemoryRead, TheSlotQueryWaitsForARunningRead) {
   rig.openPort();
   rig.scheduler.advance(5500ms);  // the read's first query has gone out
   ASSERT_EQ(rig.written(), "MT001;");
-  answer(rig, kRadio, 0, 20);
+  test::answerMemoryQueries(rig, kRadio, 0, 20);
   rig.scheduler.advance(2000ms);  // 7 s after the pause: the slot query is due
   EXPECT_EQ(rig.written().find("VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;"), std::string::npos);
   const std::size_t before = rig.port->writes().size();
-  answer(rig, kRadio, before - 1);  // the rest of the read
+  test::answerMemoryQueries(rig, kRadio, before - 1);  // the rest of the read
   ASSERT_EQ(rig.c().tlMemRead, "0");
   EXPECT_EQ(rig.port->writes().back().bytes, "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;");
   // The slot answers arrive after the read: they are slots, not channels.
@@ -180,7 +160,7 @@ TEST(MemoryWrite, WithoutACompleteReadTheOperatorIsAskedFirst) {
   // An incomplete read is no complete read either.
   rig.port->clearWrites();
   rig.at("readMemoriesButton").click();
-  answer(rig, kRadio, 0, 5);
+  test::answerMemoryQueries(rig, kRadio, 0, 5);
   rig.scheduler.advance(3s);
   rig.alerts.answer = 1;
   rig.at("writeMemoriesButton").click();

@@ -13,6 +13,7 @@
 #include "desktop/ShareServers.h"
 #include "desktop/SharingPanel.h"
 #include "desktop/XmlRpcReader.h"
+#include "support/FakeSharedRig.h"
 #include "support/Fakes.h"
 
 namespace tolvane::desktop {
@@ -23,17 +24,6 @@ quint16 freePort() {
   probe.listen(QHostAddress::LocalHost, 0);
   return probe.serverPort();
 }
-
-struct StateRig : share::SharedRig {
-  share::RigState s;
-  std::string sent;
-  share::RigState state() const override { return s; }
-  bool send(std::string_view commands) override {
-    if (!s.linkOpen) return false;
-    sent += commands;
-    return true;
-  }
-};
 
 TEST(XmlRpcReader, ReadsTheCallsClientsSend) {
   // As one widespread client sends it, with its malformed naming instruction.
@@ -86,7 +76,7 @@ class Servers : public ::testing::Test {
     rig.s.freqA = 14074000;
     rig.s.modeCode = '2';
   }
-  StateRig rig;
+  test::FakeSharedRig rig;
   test::FakeLog log;
 };
 

@@ -1,7 +1,9 @@
 // A controller on fake services with the whole window model, for tests.
 #pragma once
 
+#include <map>
 #include <memory>
+#include <string>
 
 #include "app/SerialPortDemoController.h"
 #include "app/WindowLayout.h"
@@ -36,5 +38,14 @@ struct Rig {
   void receive(std::string_view bytes) { port->deliver(bytes); }
   std::string written() const { return port->written(); }
 };
+
+// The radio's 40-character answer for a programmed memory channel.
+std::string mtAnswer(int channel, const std::string& freq, char mode, const std::string& name);
+
+// Plays the radio during a memory read: answers the "MT" queries written from
+// `from` on, "?" for a channel not in `programmed`, up to `limit` answers.
+// Returns the index of the first write not yet looked at.
+std::size_t answerMemoryQueries(Rig& rig, const std::map<int, std::string>& programmed, std::size_t from = 0,
+                                int limit = 1000);
 
 }  // namespace tolvane::test
