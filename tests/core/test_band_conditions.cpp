@@ -81,10 +81,7 @@ TEST(BandConditionsBox, FilledAtTheDeadlineAndClearedWithoutAnAnswer) {
   test::Rig rig;
   rig.scheduler.runAll();
   const char* url = "https://www.hamqsl.com/solarxml.php";
-  platform::HttpResponse r;
-  r.ok = true;
-  r.status = 200;
-  r.body = feed(" 01 May 2024 1015 GMT", "good", "Es open", "S2-S3");
+  const platform::HttpResponse r = test::httpAnswer(feed(" 01 May 2024 1015 GMT", "good", "Es open", "S2-S3"));
   rig.http.serve(url, r, 400ms);
   rig.c().refreshBandConditions();
   rig.scheduler.advance(2s);

@@ -16,14 +16,6 @@ using spots::Row;
 // 2024-05-01T10:20:00Z
 constexpr double kNow = 1714558800.0;
 
-platform::HttpResponse answer(std::string body, int status = 200) {
-  platform::HttpResponse r;
-  r.ok = true;
-  r.status = status;
-  r.body = std::move(body);
-  return r;
-}
-
 std::string potaSpot(const std::string& call, const std::string& freq, const std::string& mode,
                      const std::string& comments, const std::string& time, const std::string& extra = "") {
   return R"({"spotId": 1, "activator": ")" + call + R"(", "frequency": ")" + freq + R"(", "mode": ")" + mode +
@@ -325,7 +317,7 @@ class WebLists : public ::testing::Test {
     rig.c().tlVoiceGuide = "1";
   }
   void serve(const std::string& url, std::string body, platform::Duration delay = 300ms) {
-    rig.http.serve(url, answer(std::move(body)), delay);
+    rig.http.serve(url, test::httpAnswer(std::move(body)), delay);
   }
   std::string cell(const std::string& table, const std::string& column, int row) {
     auto c = rig.c().cellFor(rig.at(table), column, row);
@@ -459,7 +451,7 @@ TEST_F(WebLists, FailuresLeaveListsEmptyAndSaySoUnderTheTable) {
   rig.scheduler.advance(2s);
   EXPECT_EQ(rig.at("potaStatusLabel").title(), "The POTA spots service could not be reached at 10:20 UTC: no answer.");
 
-  rig.http.serve(kPotaUrl, answer("<html>busy</html>", 503));
+  rig.http.serve(kPotaUrl, test::httpAnswer("<html>busy</html>", 503));
   rig.c().refreshPota();
   rig.scheduler.advance(2s);
   EXPECT_TRUE(rig.c().tlPotaArray.empty());

@@ -322,13 +322,10 @@ TEST_F(WebListKeys, OnTheNetsListCtrlReturnConfirmsAndDeleteWithdraws) {
   QTest::keyClick(view, Qt::Key_Return);
   EXPECT_EQ(rig.written(), "MD01;FA003940000;SS0640000;");
   // The list comes back with the same net: the keyboard is still on its row.
-  platform::HttpResponse list;
-  list.ok = true;
-  list.status = 200;
-  list.body =
-      "<NetName>Morning</NetName><Frequency>3.940</Frequency><UTC>1300</UTC><Mode>LSB</Mode>"
-      "<URL></URL><Confirmed>3</Confirmed><NetID>117</NetID>\n";
-  rig.http.serve("http://nets.local/nets.php", list);
+  rig.http.serve(
+      "http://nets.local/nets.php",
+      test::httpAnswer("<NetName>Morning</NetName><Frequency>3.940</Frequency><UTC>1300</UTC><Mode>LSB</Mode>"
+                       "<URL></URL><Confirmed>3</Confirmed><NetID>117</NetID>\n"));
   rig.http.requests.clear();
   QTest::keyClick(view, Qt::Key_Return, Qt::ControlModifier);
   ASSERT_EQ(rig.http.requests.size(), 2u);  // the confirmation and the list's refresh

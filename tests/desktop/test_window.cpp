@@ -105,12 +105,6 @@ TEST_F(WindowTest, AnswersRepaintTheWindowAndSendNothingBack) {
   EXPECT_EQ(rig.written(), "AG0129;");
 }
 
-}  // namespace
-}  // namespace tolvane::desktop
-
-namespace tolvane::desktop {
-namespace {
-
 TEST_F(WindowTest, MenuPageIsBuiltWhenShownAndItsFilterNarrowsTheList) {
   rig.openPort();
   window.show();

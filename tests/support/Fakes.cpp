@@ -105,6 +105,14 @@ void FakeHttp::send(const platform::HttpRequest& request, std::function<void(con
   scheduler_.after(delay, [done = std::move(done), response] { done(response); });
 }
 
+platform::HttpResponse httpAnswer(std::string body, int status) {
+  platform::HttpResponse r;
+  r.ok = true;
+  r.status = status;
+  r.body = std::move(body);
+  return r;
+}
+
 void FakeHttp::serve(const std::string& url, platform::HttpResponse response, Duration delay) {
   answers_[url] = {std::move(response), delay};
 }

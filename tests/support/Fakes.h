@@ -123,6 +123,9 @@ class FakeNotifications : public platform::Notifications {
   std::vector<std::uint32_t> removed;
 };
 
+// A 200 (or `status`) answer carrying `body`.
+platform::HttpResponse httpAnswer(std::string body, int status = 200);
+
 // Serves canned answers by URL after a chosen virtual delay.
 class FakeHttp : public platform::HttpClient {
  public:
