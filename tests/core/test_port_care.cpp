@@ -58,12 +58,6 @@ TEST(OpenFailureMessage, SaysWhyAndHowToFixIt) {
             "Tolvane cannot open ttyS4: Input/output error.");
 }
 
-TEST(WindowTitle, NamesThePortAndWhetherItIsConnected) {
-  EXPECT_EQ(portstatus::windowTitle("", false), "Tolvane");
-  EXPECT_EQ(portstatus::windowTitle("ttyUSB0", false), "Tolvane \xE2\x80\x94 ttyUSB0 (not connected)");
-  EXPECT_EQ(portstatus::windowTitle("ttyUSB0", true), "Tolvane \xE2\x80\x94 ttyUSB0 (connected)");
-}
-
 TEST(PortCare, APortTheUserMayNotOpenIsMarkedAndExplainedOnThePageAndInTheLog) {
   Rig rig;
   auto other = std::make_shared<FakeSerialPort>("ttyUSB1", "Other Serial", &rig.scheduler);

@@ -36,17 +36,6 @@ struct Line {
   }
 };
 
-// Connects a test rig's controller to a simulator and runs the on-open sequence.
-std::shared_ptr<sim::SimulatedSerialPort> connectSimulator(test::Rig& rig) {
-  auto simulator = std::make_shared<sim::SimulatedSerialPort>(rig.scheduler);
-  rig.ports.ports.push_back(simulator);
-  rig.c().refreshPortList();
-  EXPECT_TRUE(rig.c().choosePort("Simulated transceiver"));
-  rig.at("openCloseButton").click();
-  rig.scheduler.advance(13s);
-  return simulator;
-}
-
 }  // namespace
 
 TEST(SimulatedPort, AnswersArriveLaterOneDeliveryPerAnswer) {
@@ -202,17 +191,6 @@ TEST(SimulatorWithController, OnOpenSequenceFillsTheDisplay) {
   EXPECT_EQ(radio.state().roofing, '7');
   EXPECT_EQ(radio.state().agc, '1');
   EXPECT_EQ(rig.at("RFILPopUpButton").selectedIndex(), 1);
-}
-
-TEST(SimulatorWithController, TuningFromTheEntryFieldShowsTheNewFrequency) {
-  test::Rig rig;
-  auto simulator = connectSimulator(rig);
-  rig.at("freqTextField").type("7.0305");
-  rig.c().returnPressedInFreqField();
-  rig.scheduler.advance(1s);
-  EXPECT_EQ(simulator->transceiver().state().sides[0].frequency(), 7'030'500u);
-  EXPECT_EQ(rig.at("tlFreqAButton").title(), "7.030.500");
-  EXPECT_EQ(rig.at("m40Button").bezel(), ui::Bezel::Blue);
 }
 
 // Every command the window's controls send, fed to a fresh radio, is one it knows.
