@@ -171,12 +171,3 @@ TEST_F(Keyer, MessageBoxFollowsEveryModeAnswer) {
       EXPECT_EQ(rig.at(o).enabled(), on) << k.code << " " << o;
   }
 }
-
-TEST_F(Keyer, ModeAnswersReadTheMemoriesOfTheirMode) {
-  rig.port->clearWrites();
-  rig.receive("MD07;");
-  EXPECT_EQ(rig.written(), "KM1;KM2;KM3;KM4;KM5;");
-  rig.port->clearWrites();
-  rig.receive("MD0E;");
-  EXPECT_EQ(rig.written(), "EM11;EM12;EM13;EM14;EM15;");
-}

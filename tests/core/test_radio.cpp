@@ -87,6 +87,9 @@ TEST_F(Radio, ModeAnswersSelectThePopUpAndReadTheMessageMemories) {
   rig.receive("MD03;");
   EXPECT_EQ(rig.written(), "KM1;KM2;KM3;KM4;KM5;");
   rig.port->clearWrites();
+  rig.receive("MD07;");  // CW-L reads the keyer memories too
+  EXPECT_EQ(rig.written(), "KM1;KM2;KM3;KM4;KM5;");
+  rig.port->clearWrites();
   rig.receive("MD09;MD0E;");
   EXPECT_EQ(rig.written(), "EM01;EM02;EM03;EM04;EM05;EM11;EM12;EM13;EM14;EM15;");
   EXPECT_EQ(rig.c().tlMode, "PSK");
