@@ -153,26 +153,6 @@ TEST(MemoryRead, AnyAnswersDuringAReadLeaveExactlyNinetyNineRecords) {
   }
 }
 
-TEST(MemoryRead, TheOnOpenSequenceStartsTheReadAndThenQueriesTheSlots) {
-  test::Rig rig;
-  rig.openPort();
-  rig.scheduler.advance(5499ms);
-  EXPECT_EQ(rig.written(), "");
-  rig.scheduler.advance(1ms);
-  ASSERT_EQ(rig.port->writes().size(), 1u);
-  EXPECT_EQ(rig.port->writes()[0].bytes, "MT001;");
-  EXPECT_EQ(rig.c().tlMemRead, "run");
-  test::answerMemoryQueries(rig, kOneAndThree);  // a radio that answers at once
-  ASSERT_EQ(rig.c().tlMemRead, "0");
-  const std::size_t read = rig.port->writes().size();
-  ASSERT_EQ(read, 100u);
-
-  rig.scheduler.advance(2s);
-  ASSERT_EQ(rig.port->writes().size(), read + 1);
-  EXPECT_EQ(rig.port->writes()[read].bytes, "VS1;MC002;MC;MT002;VM;VS0;MC001;MC;MT001;VM;");
-  EXPECT_EQ(rig.port->writes()[read].at, 7500ms);
-}
-
 TEST(MemoryRead, ASilentRadioDelaysTheSlotQueryUntilTheReadIsGivenUp) {
   test::Rig rig;
   rig.openPort();

@@ -108,7 +108,11 @@ TEST(StartUp, OnOpenSequenceRunsOnTimeWithoutBlocking) {
   rig.scheduler.advance(500ms);
   EXPECT_EQ(rig.at("tlMemAButton").title(), "");
 
-  rig.scheduler.advance(5000ms);  // the read starts; an empty radio answers each query at once
+  rig.scheduler.advance(4999ms);
+  EXPECT_EQ(rig.written(), "");
+  rig.scheduler.advance(1ms);  // the read starts; an empty radio answers each query at once
+  EXPECT_EQ(rig.written(), "MT001;");
+  EXPECT_EQ(rig.c().tlMemRead, "run");
   for (std::size_t i = 0; i < rig.port->writes().size(); ++i)
     if (rig.port->writes()[i].bytes.rfind("MT0", 0) == 0) rig.receive("?;");
   ASSERT_EQ(rig.c().tlMemRead, "0");
