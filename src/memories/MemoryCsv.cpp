@@ -199,7 +199,9 @@ CsvChannels memoriesFromCsv(std::string_view text) {
       const std::optional<std::string> mode = modeFromName(trimmed(fields[2]));
       if (!mode) return fail(line, "the mode \"" + trimmed(fields[2]) + "\" is not one of the radio's modes.");
       r.mode = *mode;
-      if (fields[3].size() > 12 || cleanName(fields[3]) != fields[3])
+      // A clean name keeps at most twelve characters (a CR LF pair counts as
+      // one, as the radio takes it), so a name that is its own clean form fits.
+      if (cleanName(fields[3]) != fields[3])
         return fail(line, "the name \"" + fields[3] + "\" is not at most 12 upper-case ASCII characters.");
       r.tag = fields[3];
     } else {

@@ -310,6 +310,18 @@ TEST(MemoryCsv, ReadsTheColumnsOtherProgramsExport) {
   EXPECT_EQ(read.channels[1], (std::pair<int, MemoryRecord>{2, {"007030000", "3", "40M CW"}}));
   EXPECT_EQ(read.channels[2], (std::pair<int, MemoryRecord>{7, {"029600000", "B", "TEN FM"}}));
   EXPECT_EQ(read.channels[3], (std::pair<int, MemoryRecord>{9, {"001885000", "5", "AM"}}));
+  // A quoted name with a line break and quotes keeps the break as one of its
+  // twelve characters, and what was read exports and reads back the same.
+  const auto broken =
+      memories::memoriesFromCsv("Location,Name,Frequency,Mode\n4,\"e\r\n2,\"\"a\"\"bcdefgh\",7.2,LSB\n");
+  ASSERT_EQ(broken.error, "");
+  ASSERT_EQ(broken.channels.size(), 1u);
+  EXPECT_EQ(broken.channels[0].second.tag, "E\r\n2,\"A\"BCDEF");
+  std::vector<MemoryRecord> all(99);
+  all[3] = broken.channels[0].second;
+  const auto again = memories::memoriesFromCsv(memories::memoriesToCsv(all));
+  ASSERT_EQ(again.error, "");
+  EXPECT_EQ(again.channels[3].second, all[3]);
   EXPECT_EQ(memories::memoriesFromCsv("Location,Name,Frequency,Mode\n3,X,abc,FM\n").error,
             "Line 2: the frequency \"abc\" is not a number of megahertz.");
   EXPECT_EQ(memories::memoriesFromCsv("Location,Name,Frequency,Mode\n3,X,14.1,WEIRD\n").error,
