@@ -16,8 +16,8 @@
 #include <string>
 
 #include "app/WindowLayout.h"
-#include "desktop/Binder.h"
-#include "desktop/MainWindow.h"
+#include "desktop/window/Binder.h"
+#include "desktop/window/MainWindow.h"
 #include "spots/WebLists.h"
 #include "support/Harness.h"
 

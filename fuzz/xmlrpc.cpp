@@ -9,7 +9,7 @@
 #include <string>
 
 #include "SharedRadio.h"
-#include "desktop/XmlRpcReader.h"
+#include "desktop/servers/XmlRpcReader.h"
 #include "share/FlrigMethods.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "desktop/Resources.h"
+#include "desktop/services/Resources.h"
 #include "spots/WebLists.h"
 
 namespace tolvane::desktop {

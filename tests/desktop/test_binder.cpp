@@ -16,7 +16,7 @@
 #include <map>
 #include <set>
 
-#include "desktop/Binder.h"
+#include "desktop/window/Binder.h"
 
 namespace tolvane::desktop {
 namespace {

@@ -9,7 +9,7 @@
 #include <QTabWidget>
 #include <QTest>
 
-#include "desktop/MainWindow.h"
+#include "desktop/window/MainWindow.h"
 #include "support/Harness.h"
 
 namespace tolvane::desktop {

@@ -10,7 +10,7 @@
 #include <QTabWidget>
 #include <QTest>
 
-#include "desktop/MainWindow.h"
+#include "desktop/window/MainWindow.h"
 #include "support/Harness.h"
 
 namespace tolvane::desktop {

@@ -17,8 +17,8 @@
 
 #include "app/SerialPortDemoController.h"
 #include "app/WindowLayout.h"
-#include "desktop/QtSerial.h"
-#include "desktop/QtServices.h"
+#include "desktop/services/QtSerial.h"
+#include "desktop/services/QtServices.h"
 #include "support/Fakes.h"
 #include "support/PtyRig.h"
 

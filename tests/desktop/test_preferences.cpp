@@ -10,8 +10,8 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 
-#include "desktop/NetsKey.h"
-#include "desktop/PreferencesDialog.h"
+#include "desktop/services/NetsKey.h"
+#include "desktop/window/PreferencesDialog.h"
 #include "support/Fakes.h"
 
 namespace tolvane::desktop {

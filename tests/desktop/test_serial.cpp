@@ -15,7 +15,7 @@
 #include <functional>
 #include <string>
 
-#include "desktop/QtSerial.h"
+#include "desktop/services/QtSerial.h"
 #include "support/Harness.h"
 #include "support/PtyRig.h"
 

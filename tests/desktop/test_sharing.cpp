@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <functional>
 
-#include "desktop/ShareServers.h"
-#include "desktop/SharingPanel.h"
-#include "desktop/XmlRpcReader.h"
+#include "desktop/servers/ShareServers.h"
+#include "desktop/window/SharingPanel.h"
+#include "desktop/servers/XmlRpcReader.h"
 #include "support/FakeSharedRig.h"
 #include "support/Fakes.h"
 

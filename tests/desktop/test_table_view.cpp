@@ -13,8 +13,8 @@
 #include <QTest>
 #include <QTimer>
 
-#include "desktop/MainWindow.h"
-#include "desktop/TableView.h"
+#include "desktop/window/MainWindow.h"
+#include "desktop/window/TableView.h"
 #include "support/Harness.h"
 
 namespace tolvane::desktop {

@@ -1,4 +1,4 @@
-#include "desktop/UdevMonitor.h"
+#include "desktop/services/UdevMonitor.h"
 
 #include <libudev.h>
 

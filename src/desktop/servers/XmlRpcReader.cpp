@@ -1,4 +1,4 @@
-#include "desktop/XmlRpcReader.h"
+#include "desktop/servers/XmlRpcReader.h"
 
 #include <QXmlStreamReader>
 

@@ -1,4 +1,4 @@
-#include "desktop/Binder.h"
+#include "desktop/window/Binder.h"
 
 #include <QAbstractListModel>
 #include <QAccessible>
@@ -19,7 +19,7 @@
 #include <QSlider>
 #include <QTabWidget>
 
-#include "desktop/TableView.h"
+#include "desktop/window/TableView.h"
 
 namespace tolvane::desktop {
 

@@ -1,4 +1,4 @@
-#include "desktop/PreferencesDialog.h"
+#include "desktop/window/PreferencesDialog.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -12,7 +12,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-#include "desktop/NetsKey.h"
+#include "desktop/services/NetsKey.h"
 #include "spots/WebLists.h"
 
 namespace tolvane::desktop {

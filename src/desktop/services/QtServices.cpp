@@ -1,4 +1,4 @@
-#include "desktop/QtServices.h"
+#include "desktop/services/QtServices.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

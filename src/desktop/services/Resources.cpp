@@ -1,4 +1,4 @@
-#include "desktop/Resources.h"
+#include "desktop/services/Resources.h"
 
 #include <QCoreApplication>
 #include <QDir>

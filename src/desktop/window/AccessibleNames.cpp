@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "desktop/Binder.h"
+#include "desktop/window/Binder.h"
 #include "menu/MenuTable.h"
 
 namespace tolvane::desktop {

@@ -1,10 +1,10 @@
-#include "desktop/ShareServers.h"
+#include "desktop/servers/ShareServers.h"
 
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
 #include <QTcpSocket>
 
-#include "desktop/XmlRpcReader.h"
+#include "desktop/servers/XmlRpcReader.h"
 
 namespace tolvane::desktop {
 

@@ -1,4 +1,4 @@
-#include "desktop/TableView.h"
+#include "desktop/window/TableView.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "desktop/SharingPanel.h"
+#include "desktop/window/SharingPanel.h"
 
 #include <QFormLayout>
 #include <QHeaderView>
@@ -7,7 +7,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "desktop/ShareServers.h"
+#include "desktop/servers/ShareServers.h"
 
 namespace tolvane::desktop {
 

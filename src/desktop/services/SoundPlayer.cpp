@@ -1,4 +1,4 @@
-#include "desktop/SoundPlayer.h"
+#include "desktop/services/SoundPlayer.h"
 
 #include <sndfile.h>
 

@@ -7,7 +7,7 @@
 #include <QDialog>
 #include <vector>
 
-#include "desktop/ShareServers.h"
+#include "desktop/servers/ShareServers.h"
 #include "platform/Platform.h"
 
 class QCheckBox;

@@ -15,7 +15,7 @@
 #include <QVBoxLayout>
 
 #include "app/WindowLayout.h"
-#include "desktop/MainWindow.h"
+#include "desktop/window/MainWindow.h"
 #include "menu/MenuTable.h"
 
 namespace tolvane::desktop {

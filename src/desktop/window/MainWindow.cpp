@@ -1,4 +1,4 @@
-#include "desktop/MainWindow.h"
+#include "desktop/window/MainWindow.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "desktop/QtSerial.h"
+#include "desktop/services/QtSerial.h"
 
 #include <grp.h>
 #include <pwd.h>
@@ -15,7 +15,7 @@
 #include <future>
 #include <set>
 
-#include "desktop/UdevMonitor.h"
+#include "desktop/services/UdevMonitor.h"
 
 namespace tolvane::desktop {
 

@@ -1,4 +1,4 @@
-#include "desktop/NetsKey.h"
+#include "desktop/services/NetsKey.h"
 
 #include <qt6keychain/keychain.h>
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/Binder.h"
+#include "desktop/window/Binder.h"
 
 class QBoxLayout;
 class QGridLayout;
