@@ -11,8 +11,8 @@
 #include <functional>
 
 #include "desktop/servers/ShareServers.h"
-#include "desktop/window/SharingPanel.h"
 #include "desktop/servers/XmlRpcReader.h"
+#include "desktop/window/SharingPanel.h"
 #include "support/FakeSharedRig.h"
 #include "support/Fakes.h"
 
