@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -141,6 +140,9 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void goSuperPopUp(ui::Control& sender);
   void doTune(ui::Control& sender);
   void doCall(ui::Control& sender);
+  // Stores the call sign typed into `field` in the radio's menu (item 04-01-01):
+  // the operating page's entry and the settings page's field both do this.
+  void storeCallSign(ui::Control& field);
   void goMacro(ui::Control& sender);
 
   // ---------------------------------------------------------- menu mirror (menu/)
@@ -300,7 +302,6 @@ class SerialPortDemoController : public platform::SerialPortListener,
 
  private:
   void wireActions();
-  void sendNextFreeTextPiece();
   void fetchWebList(WebFetch& fetch, const std::string& service, const std::string& path, platform::HttpRequest request,
                     std::function<void(const platform::HttpResponse&, bool late)> answer,
                     std::function<void()> deadline);
@@ -335,8 +336,6 @@ class SerialPortDemoController : public platform::SerialPortListener,
   bool linkOpen_ = false;
   bool reconnectWanted_ = false;
   std::optional<PortIdentity> reconnectTo_;
-  // Free-text writes not yet sent, oldest first.
-  std::deque<std::string> freeTextQueue_;
   WebFetch potaFetch_, sotaFetch_, netLoggerFetch_, netsFetch_, mwFetch_, conditionsFetch_;
   std::map<std::string, std::string> serviceOverrides_;
   std::string netsUserKey_;

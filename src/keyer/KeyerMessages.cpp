@@ -7,8 +7,6 @@
 
 namespace tolvane {
 
-using namespace std::chrono_literals;
-
 namespace {
 
 const char* bankPrefix(keyer::Bank bank) {
@@ -82,21 +80,13 @@ void SerialPortDemoController::sendTextMessage() {
   log.setText(text + "\n" + log.text());
   field.setText("");
 
-  // The writes keep their order and leave back to back, one piece (its write
-  // and its play) per turn of the event loop, so a long text never holds the
-  // window. A send made while another is still going waits behind it.
-  const bool idle = freeTextQueue_.empty();
-  for (std::string& w : writes) freeTextQueue_.push_back(std::move(w));
-  if (idle) sendNextFreeTextPiece();
-}
-
-void SerialPortDemoController::sendNextFreeTextPiece() {
-  for (int i = 0; i < 2 && !freeTextQueue_.empty(); ++i) {
-    cmd = std::move(freeTextQueue_.front());
-    freeTextQueue_.pop_front();
+  // Every write of the send leaves now, back to back: the pieces, their
+  // plays and the restore are one unit on the line, so nothing else the
+  // program writes (a poll, a sharing client's command) can fall between them.
+  for (std::string& w : writes) {
+    cmd = std::move(w);
     transmit(cmd);
   }
-  if (!freeTextQueue_.empty()) sv_.scheduler.after(0ms, [this] { sendNextFreeTextPiece(); });
 }
 
 }  // namespace tolvane

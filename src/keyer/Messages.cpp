@@ -34,16 +34,19 @@ std::size_t characters(std::string_view text) {
   return n;
 }
 
-// The first 49 characters of a text (all of it when shorter).
-std::string_view piece(std::string_view text) {
+// The first `count` characters of a text (all of it when shorter).
+std::string_view firstCharacters(std::string_view text, std::size_t count) {
   std::size_t end = 0, n = 0;
-  while (end < text.size() && n < kPieceLength) {
+  while (end < text.size() && n < count) {
     ++end;
     while (end < text.size() && continuation(text[end])) ++end;
     ++n;
   }
   return text.substr(0, end);
 }
+
+// The first 49 characters of a text: what one write takes from a field.
+std::string_view piece(std::string_view text) { return firstCharacters(text, kPieceLength); }
 
 }  // namespace
 
@@ -56,7 +59,8 @@ std::optional<MemoryAnswer> parseMemoryAnswer(std::string_view p) {
   if (p.size() >= 4 && p.substr(0, 2) == "EM") {
     const char n = p[3];
     if (n < '1' || n > '5') return std::nullopt;
-    return MemoryAnswer{p[2] == '1' ? Bank::Psk : Bank::Rtty, n - '0', trimmedBlanks(p.substr(4, 50))};
+    return MemoryAnswer{p[2] == '1' ? Bank::Psk : Bank::Rtty, n - '0',
+                        trimmedBlanks(firstCharacters(p.substr(4), kAnswerLength))};
   }
   return std::nullopt;
 }

@@ -14,6 +14,8 @@ enum class Bank { Cw, Rtty, Psk };
 
 // The longest text taken from an entry field into one write.
 inline constexpr std::size_t kPieceLength = 49;
+// The most characters of text a RTTY or PSK memory answer carries.
+inline constexpr std::size_t kAnswerLength = 50;
 
 // One memory as an answer reports it.
 struct MemoryAnswer {

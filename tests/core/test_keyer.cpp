@@ -3,6 +3,7 @@
 // each mode answer.
 #include <gtest/gtest.h>
 
+#include "share/ControllerRig.h"
 #include "support/Harness.h"
 
 using namespace tolvane;
@@ -23,7 +24,6 @@ struct Keyer : ::testing::Test {
     rig.port->clearWrites();
     rig.at("textMemoryField").type(text);
     rig.at("sendTextMemoryButton").click();
-    rig.scheduler.advance(0ms);
     std::vector<std::string> out;
     for (const auto& w : rig.port->writes()) out.push_back(w.bytes);
     return out;
@@ -55,9 +55,13 @@ TEST_F(Keyer, AnswersFillTheMemoryButtonsOfTheirMode) {
   rig.receive("EM05;");
   EXPECT_EQ(rig.c().tlTextMemoryRevert, "");
 
-  // A text memory answer carries at most 50 characters.
+  // A text memory answer carries at most 50 characters, however many bytes each takes.
   rig.receive("EM14" + std::string(50, 'X') + "YZ;");
   EXPECT_EQ(rig.at("pskMemory4Button").title(), std::string(50, 'X'));
+  std::string accented;
+  for (int i = 0; i < 50; ++i) accented += "\xc3\xa9";  // "é"
+  rig.receive("EM04" + accented + "\xc3\xa9YZ;");
+  EXPECT_EQ(rig.at("rttyMemory4Button").title(), accented);
 }
 
 TEST_F(Keyer, AnswersForSlotsOutsideOneToFiveAreIgnored) {
@@ -129,24 +133,26 @@ TEST_F(Keyer, FreeTextLengthsInEachMode) {
   }
 }
 
-TEST_F(Keyer, LongFreeTextLeavesOnePieceAtATimeAndNothingIsLost) {
+TEST_F(Keyer, LongFreeTextLeavesAsOneUnitThatNothingElseInterrupts) {
   mode('9');
   rig.receive("EM05KEEP;");
+  share::ControllerRig shared(rig.c());
   const std::string text = letters(500);
   rig.port->clearWrites();
   rig.at("textMemoryField").type(text);
   rig.at("sendTextMemoryButton").click();
-  // The first piece leaves at once; the rest follow on later turns of the loop.
-  EXPECT_EQ(rig.port->writes().size(), 2u);
-  // A second send waits behind the first.
+  // A sharing client's command, and the queries the window makes after the
+  // radio reports a frequency, follow the whole send; so does a second send.
+  EXPECT_TRUE(shared.send("FA014074000;"));
+  rig.receive("FA014074000;");
   rig.at("textMemoryField").type("NEXT");
   rig.at("sendTextMemoryButton").click();
-  rig.scheduler.advance(0ms);
+  rig.scheduler.advance(1s);
   std::string all;
   for (const auto& w : rig.port->writes()) all += w.bytes;
   std::string expected;
   for (std::size_t at = 0; at < 500; at += 49) expected += "EM05" + text.substr(at, 49) + "};EN05;";
-  expected += "EM05KEEP};EM05NEXT};EN05;EM05KEEP};";
+  expected += "EM05KEEP};FA014074000;GT0;RA0;RF0;EM05NEXT};EN05;EM05KEEP};";
   EXPECT_EQ(all, expected);
   EXPECT_EQ(rig.at("sentTextMemoryField").text(), "NEXT\n" + text + "\n");
 }
