@@ -2,31 +2,11 @@
 // on-open sequence, the port list and hot-plug notices.
 #include "app/SerialPortDemoController.h"
 #include "app/StartUp.h"
+#include "menu/MenuTable.h"
 
 namespace tolvane {
 
 using namespace std::chrono_literals;
-
-namespace startup {
-
-const std::vector<ValueList>& valueLists() {
-  static const std::vector<ValueList> lists = {
-      {2010408, 0, 300, 10, 4, 0, 150}, {2010317, 0, 100, 10, 4, 0, 10}, {2010318, 0, 400, 10, 4, 0, 100},
-      {2010605, 0, 100, 1, 3, 0, 70},   {2020211, 1, 60, 1, 2, 1, 5},    {2020205, 1, 9999, 1, 4, 1, 1},
-      {2030103, 0, 100, 1, 3, 2, 10},   {2030401, 5, 100, 1, 3, 2, 100}, {2030402, 5, 100, 1, 3, 2, 100},
-      {2030403, 5, 50, 1, 3, 2, 50},    {2030404, 5, 25, 1, 3, 2, 25},   {2030406, 0, 100, 1, 3, 2, 50},
-      {2040104, 0, 20, 1, 2, 3, 10},    {2040105, 0, 20, 1, 2, 3, 10},
-  };
-  return lists;
-}
-
-std::string paddedValue(int value, int width) {
-  std::string s = std::to_string(value);
-  if (static_cast<int>(s.size()) < width) s.insert(0, static_cast<std::size_t>(width) - s.size(), '0');
-  return s;
-}
-
-}  // namespace startup
 
 SerialPortDemoController::SerialPortDemoController(platform::Services services, ui::Window& window)
     : syncRadioCmd(startup::kPollString),
@@ -110,6 +90,9 @@ void SerialPortDemoController::wireActions() {
   wirePlain("textMemoryField", &SerialPortDemoController::returnPressedInTextMessageField);
   wire("tuneButton", &SerialPortDemoController::doTune);
   wire("saveCallButton", &SerialPortDemoController::doCall);
+  // Return in the settings page's call-sign field stores it as the operating page's entry does.
+  if (ui::Control* call = window_.viewWithTag("settingsTab", 3, 2040101))
+    call->setAction([this](ui::Control& s) { storeCallSign(s); });
   wirePlain("sendTextMemoryButton", &SerialPortDemoController::sendTextMessage);
   for (const char* item : {"menuItemPreferencesVoice", "menuItemPreferencesSounds", "menuItemPreferencesIPO"})
     wire(item, &SerialPortDemoController::goMainMenu);
@@ -173,19 +156,24 @@ void SerialPortDemoController::setUpRoutine() {
     if (keep >= 0) power->selectIndex(keep);
   }
 
-  for (const auto& list : startup::valueLists()) {
-    ui::Control* p = window_.viewWithTag("settingsTab", list.page, list.tag);
+  // The numeric value pop-ups of the settings pages, from the menu table: the
+  // radio's factory value carries the partially-available mark.
+  for (const menu::MenuItem& item : menu::menuItems()) {
+    if (!item.filledAtStart) continue;
+    ui::Control* p = window_.viewWithTag("settingsTab", item.page(), item.tag());
     if (!p || p->kind() != ui::Kind::PopUp) continue;
     // The layout's own entries come first; a rerun rebuilds the list from
     // them rather than appending the values a second time.
-    auto base = valueListBase_.find(list.tag);
-    if (base == valueListBase_.end()) base = valueListBase_.emplace(list.tag, p->entries()).first;
+    auto base = valueListBase_.find(item.tag());
+    if (base == valueListBase_.end()) base = valueListBase_.emplace(item.tag(), p->entries()).first;
     std::vector<ui::Entry> entries = base->second;
+    for (const std::string& value : item.entries)
+      entries.push_back(ui::Entry{value, 0, value == item.factory ? ui::kStatusPartiallyAvailable : "", false});
+    // Entries past the list are values the radio reported; they stay, at the
+    // same positions, so the pop-up still shows what the radio holds.
+    const std::vector<ui::Entry>& before = p->entries();
+    for (std::size_t i = entries.size(); i < before.size(); ++i) entries.push_back(before[i]);
     const int keep = p->selectedIndex();
-    for (int v = list.from; v <= list.to; v += list.step) {
-      entries.push_back(ui::Entry{startup::paddedValue(v, list.width), 0,
-                                  v == list.marked ? ui::kStatusPartiallyAvailable : "", false});
-    }
     p->setEntries(std::move(entries));
     if (keep >= 0) p->selectIndex(keep);
   }

@@ -1,5 +1,5 @@
 // Start-up constants: the poll string sent after the port opens, the
-// memory-slot string and the value lists of the settings pages.
+// memory-slot string, the installer's path and the maker's site.
 #pragma once
 
 #include <string>
@@ -15,19 +15,5 @@ inline constexpr const char* kMemorySlotString = "VS1;MC002;MC;MT002;VM;VS0;MC00
 
 inline constexpr const char* kInstallerPath = "/tolvane/Installer.dmg";
 inline constexpr const char* kMakerSite = "https://tolvane.example.org";
-
-// A numeric value pop-up of the settings pages: its tag and page, the values
-// it offers (from..to by step, shown with leading zeros to width) and the
-// radio's factory value, which gets the partially-available mark.
-struct ValueList {
-  int tag;
-  int from, to, step, width;
-  int page;
-  int marked;
-};
-const std::vector<ValueList>& valueLists();
-
-// The entry title of a value: decimal with leading zeros to the width.
-std::string paddedValue(int value, int width);
 
 }  // namespace tolvane::startup

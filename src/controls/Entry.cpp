@@ -123,16 +123,19 @@ void SerialPortDemoController::doTune(ui::Control&) {
   transmit(cmd);
 }
 
-void SerialPortDemoController::doCall(ui::Control&) {
-  ui::Control& field = window_.at("callTextField");
+void SerialPortDemoController::storeCallSign(ui::Control& field) {
   const std::string typed = field.text();
   cmd = controls::callSignCommand(typed);
   transmit(cmd);
   field.setText(controls::upperCase(typed));
+  playSound("Seatbelts");
+}
+
+void SerialPortDemoController::doCall(ui::Control&) {
+  storeCallSign(window_.at("callTextField"));
   ui::Control& button = window_.at("saveCallButton");
   button.setTitle("Saved");
   button.setBezel(ui::Bezel::Green);
-  playSound("Seatbelts");
 }
 
 }  // namespace tolvane

@@ -34,6 +34,8 @@ void SerialPortDemoController::handleMenuAnswer(std::string_view piece) {
     tlCall = trimmed(piece.substr(8));
     sv_.settings.setValue("call", tlCall);
     if (c && c->kind() == ui::Kind::TextField) c->setText(tlCall);
+    // The operating page's call-sign entry shows the radio's call too.
+    if (ui::Control* entry = window_.find("callTextField")) entry->setText(tlCall);
     return;
   }
   if (!c || c->kind() != ui::Kind::PopUp) return;

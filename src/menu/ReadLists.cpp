@@ -1,25 +1,8 @@
 #include "menu/ReadLists.h"
 
-#include <cstdio>
+#include "menu/MenuTable.h"
 
 namespace tolvane::menu {
-
-namespace {
-
-// A sub-group and its items: first..last, less the gap skipFrom..skipTo.
-struct SubGroup {
-  int group, sub;
-  int first, last;
-  int skipFrom = 0, skipTo = -1;
-};
-
-constexpr SubGroup kSubGroups[] = {
-    {1, 1, 1, 16}, {1, 2, 1, 17}, {1, 3, 1, 21}, {1, 4, 1, 18}, {1, 5, 1, 16},        {1, 6, 1, 5},
-    {1, 7, 1, 6},  {2, 1, 1, 18}, {2, 2, 1, 11}, {2, 3, 1, 1},  {3, 1, 1, 20, 8, 10}, {3, 2, 1, 4},
-    {3, 3, 1, 19}, {3, 4, 1, 7},  {3, 5, 1, 7},  {4, 1, 1, 5},  {4, 2, 1, 4},         {4, 3, 1, 2},
-};
-
-}  // namespace
 
 int groupOfReadButton(int tag) {
   for (int g = 1; g <= 4; ++g)
@@ -28,16 +11,13 @@ int groupOfReadButton(int tag) {
 }
 
 std::vector<std::string> readLists(int group) {
+  // The menu table holds the sub-groups in read order, each with its items.
   std::vector<std::string> out;
-  for (const SubGroup& s : kSubGroups) {
-    if (s.group != group) continue;
+  for (const MenuSubGroup& sub : menuSubGroups()) {
+    const MenuItem& first = menuItems()[sub.first];
+    if (first.group() != group) continue;
     std::string list;
-    for (int item = s.first; item <= s.last; ++item) {
-      if (item >= s.skipFrom && item <= s.skipTo) continue;
-      char query[16];
-      std::snprintf(query, sizeof query, "EX%02d%02d%02d;", s.group, s.sub, item);
-      list += query;
-    }
+    for (std::size_t k = sub.first; k < sub.first + sub.count; ++k) list += "EX" + menuItems()[k].code + ";";
     out.push_back(std::move(list));
   }
   return out;

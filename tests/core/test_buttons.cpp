@@ -335,19 +335,6 @@ TEST_F(Buttons, MenuGroupReadSendsEachSubGroupAndTheLastThroughTheTail) {
   EXPECT_EQ(rig.port->writes().back().bytes, "EX020301;BI1;");
 }
 
-TEST(MenuReadLists, CoverEveryMirroredItemOnce) {
-  const std::size_t lists[] = {7, 3, 5, 3};
-  std::size_t items = 0;
-  for (int g = 1; g <= 4; ++g) {
-    EXPECT_EQ(menu::readLists(g).size(), lists[g - 1]);
-    for (const std::string& l : menu::readLists(g)) items += l.size() / 9;
-  }
-  EXPECT_EQ(items, 194u);
-  EXPECT_TRUE(menu::readLists(5).empty());
-  EXPECT_EQ(menu::groupOfReadButton(2040100), 4);
-  EXPECT_EQ(menu::groupOfReadButton(2040101), 0);
-}
-
 TEST_F(Buttons, NoPortStillChangesTheLookAndSpeaks) {
   rig.at("openCloseButton").click();
   rig.port->clearWrites();

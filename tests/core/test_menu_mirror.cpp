@@ -1,6 +1,6 @@
-// The menu settings mirror: the item table's widths and kinds on the settings
-// pages, answers selecting entries, choices writing at once, values the lists
-// do not know, the call sign, and the filter.
+// The menu settings mirror: answers selecting entries, choices writing at
+// once, values the lists do not know (also through a re-plug), the call sign
+// in both fields, and the filter.
 #include <gtest/gtest.h>
 
 #include "menu/MenuTable.h"
@@ -29,45 +29,14 @@ struct Mirror : ::testing::Test {
 
 }  // namespace
 
-TEST_F(Mirror, EveryItemHasItsControlOnThePageOfItsGroup) {
-  int popUps = 0;
-  for (int page = 0; page < 4; ++page)
-    for (ui::Control* c : rig.window.onPage("settingsTab", page))
-      if (c->kind() == ui::Kind::PopUp) {
-        ++popUps;
-        EXPECT_EQ(c->tag() / 10000 % 100, page + 1) << c->outlet();
-        EXPECT_FALSE(c->entries().empty()) << c->outlet();
-      }
-  EXPECT_EQ(popUps, 193);
-  ui::Control* call = rig.window.viewWithTag("settingsTab", 3, 2040101);
-  ASSERT_NE(call, nullptr);
-  EXPECT_EQ(call->kind(), ui::Kind::TextField);
-  for (int tag : {2010100, 2020100, 2030100, 2040100})
-    EXPECT_NE(rig.window.viewWithTag("settingsTab", tag / 10000 % 100 - 1, tag), nullptr) << tag;
-  // Item 08 to 10 of sub-group 03-01 do not exist; 03-01-11 does.
-  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 2, 2030108), nullptr);
-  EXPECT_NE(rig.window.viewWithTag("settingsTab", 2, 2030111), nullptr);
-}
-
-TEST_F(Mirror, TitleEntriesHaveTheItemsWidthAndChoosingOneWritesIt) {
-  // Title items of widths 2, 3 and 4; every entry is a value of that width.
-  struct Case {
-    int page, tag;
-    std::size_t width;
-  };
-  for (const Case& k : {Case{0, 2010101, 3}, Case{0, 2010104, 4}, Case{1, 2020211, 2}, Case{2, 2030401, 3},
-                        Case{2, 2030303, 3}, Case{2, 2030304, 2}, Case{1, 2020203, 4}})
-    for (const ui::Entry& e : popUp(k.page, k.tag).entries()) ASSERT_EQ(e.title.size(), k.width) << k.tag;
-
+TEST_F(Mirror, ChoosingAnEntryWritesItsTitleOrItsPosition) {
   ui::Control& speed = popUp(0, 2010104);
   ASSERT_TRUE(speed.selectTitle("0300"));
   EXPECT_EQ(choose(speed, speed.selectedIndex()), "EX0101040300;");
   ui::Control& twoWide = popUp(1, 2020211);
   ASSERT_TRUE(twoWide.selectTitle("05"));
   EXPECT_EQ(choose(twoWide, twoWide.selectedIndex()), "EX02021105;");
-}
 
-TEST_F(Mirror, IndexItemsWriteTheirPositionWithOneOrTwoDigits) {
   EXPECT_EQ(choose(popUp(0, 2010108), 1), "EX0101081;");
   EXPECT_EQ(choose(popUp(0, 2010107), 5), "EX01010705;");
   EXPECT_EQ(choose(popUp(3, 2040302), 0), "EX0403020;");
@@ -78,18 +47,26 @@ TEST_F(Mirror, IndexItemsWriteTheirPositionWithOneOrTwoDigits) {
 }
 
 TEST_F(Mirror, AnswersSelectByTitleOrByPosition) {
+  ui::Control& hang = popUp(1, 2020205);
+  ASSERT_TRUE(hang.selectTitle("0042"));
+  const std::size_t hangEntries = hang.entries().size();
   rig.receive("EX010101050;EX0101082;EX01010703;EX020205;");
   EXPECT_EQ(popUp(0, 2010101).titleOfSelectedItem(), "050");
   EXPECT_EQ(popUp(0, 2010108).selectedIndex(), 2);
   EXPECT_EQ(popUp(0, 2010107).selectedIndex(), 3);
+  // An answer with no value names no entry: the pop-up keeps its choice and gains nothing.
+  EXPECT_EQ(hang.titleOfSelectedItem(), "0042");
+  EXPECT_EQ(hang.entries().size(), hangEntries);
   // Selecting never writes.
   EXPECT_EQ(rig.written(), "");
 
   // A value that is not a number selects position 0; a short answer gives what is there.
   rig.receive("EX0101082;EX010108X;");
   EXPECT_EQ(popUp(0, 2010108).selectedIndex(), 0);
+  rig.receive("EX0101075;");
+  EXPECT_EQ(popUp(0, 2010107).selectedIndex(), 5);
   rig.receive("EX0202050001;");
-  EXPECT_EQ(popUp(1, 2020205).titleOfSelectedItem(), "0001");
+  EXPECT_EQ(hang.titleOfSelectedItem(), "0001");
 }
 
 TEST_F(Mirror, ValuesTheListDoesNotHoldAreShownMarkedAsReported) {
@@ -125,13 +102,51 @@ TEST_F(Mirror, NoiseReductionItemAsksForTheNoiseReductionStateAfterItsAnswer) {
   EXPECT_EQ(rig.written(), "");
 }
 
-TEST_F(Mirror, CallSignAnswerFillsTheFieldTheStateAndTheSetting) {
+TEST_F(Mirror, CallSignAnswerFillsBothFieldsTheStateAndTheSetting) {
   rig.receive("EX040101N0CALL      ;");
   EXPECT_EQ(rig.c().tlCall, "N0CALL");
   EXPECT_EQ(rig.settings.value("call").value_or(""), "N0CALL");
   EXPECT_EQ(rig.window.viewWithTag("settingsTab", 3, 2040101)->text(), "N0CALL");
+  EXPECT_EQ(rig.at("callTextField").text(), "N0CALL");
   rig.receive("EX040101 AB1CD/P     ;");
   EXPECT_EQ(rig.c().tlCall, "AB1CD/P");
+  EXPECT_EQ(rig.at("callTextField").text(), "AB1CD/P");
+}
+
+TEST_F(Mirror, ReturnInTheCallSignFieldStoresItAsTheOperatingEntryDoes) {
+  ui::Control* field = rig.window.viewWithTag("settingsTab", 3, 2040101);
+  ASSERT_NE(field, nullptr);
+  rig.c().tlSounds = "1";
+  rig.sounds.played.clear();
+  field->type(" dl1abc/p ");
+  rig.port->clearWrites();
+  field->click();  // Return in the field
+  EXPECT_EQ(rig.written(), "EX040101DL1ABC/P    ;");
+  EXPECT_EQ(field->text(), " DL1ABC/P ");
+  EXPECT_EQ(rig.sounds.played, std::vector<std::string>{"resource:Seatbelts"});
+}
+
+TEST_F(Mirror, ValuesTheRadioReportedStayThroughAReplugAndAReread) {
+  ui::Control& level = popUp(2, 2030401);  // filled at start with 005 .. 100
+  ui::Control& width = popUp(3, 2040104);  // filled at start with positions 00 .. 20
+  rig.receive("EX030401150;EX04010445;");
+  ASSERT_EQ(level.titleOfSelectedItem(), "150");
+  ASSERT_EQ(width.selectedIndex(), 45);
+  const std::size_t levelEntries = level.entries().size(), widthEntries = width.entries().size();
+
+  // The port goes and comes back: the set-up routine fills the value pop-ups again.
+  rig.ports.listener->serialPortsWereDisconnected({"ttyUSB0"});
+  rig.ports.listener->serialPortsWereConnected({"ttyUSB0"});
+  EXPECT_EQ(level.titleOfSelectedItem(), "150");
+  EXPECT_EQ(level.entries().back().image, ui::kStatusReported);
+  EXPECT_EQ(width.titleOfSelectedItem(), "45");
+  ASSERT_GT(width.entries().size(), 45u);
+  EXPECT_EQ(width.entries()[45].image, ui::kStatusReported);
+  rig.receive("EX030401150;EX04010445;");  // the group read again
+  EXPECT_EQ(level.entries().size(), levelEntries);
+  EXPECT_EQ(width.entries().size(), widthEntries);
+  EXPECT_EQ(level.titleOfSelectedItem(), "150");
+  EXPECT_EQ(width.selectedIndex(), 45);
 }
 
 TEST_F(Mirror, UnknownItemsAndMissingControlsChangeNothing) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -58,6 +59,23 @@ TEST_F(OperatingPanel, TypingAFrequencyAndReturnTunes) {
   QTest::keyClick(field, Qt::Key_Return);
   EXPECT_EQ(rig.written(), "MD02;FA014200000;SS0670000;");
   EXPECT_TRUE(rig.alerts.shown.empty());
+}
+
+TEST_F(OperatingPanel, BothCallSignFieldsShowTheRadiosCallAndStoreOnReturn) {
+  rig.receive("EX040101N0CALL      ;");
+  EXPECT_EQ(w<QLineEdit>("callTextField")->text(), "N0CALL");
+  rig.at("mainTab").selectIndex(kPageSettings);
+  rig.at("settingsTab").selectIndex(3);
+  QApplication::processEvents();
+  QLineEdit* field = w<QLineEdit>("menu2040101Field");
+  ASSERT_NE(field, nullptr);
+  EXPECT_EQ(field->text(), "N0CALL");
+  field->clear();
+  QTest::keyClicks(field, "dl1abc");
+  rig.port->clearWrites();
+  QTest::keyClick(field, Qt::Key_Return);
+  EXPECT_EQ(rig.written(), "EX040101DL1ABC      ;");
+  EXPECT_EQ(field->text(), "DL1ABC");
 }
 
 TEST_F(OperatingPanel, ChoosingAMacroSendsIt) {
