@@ -63,6 +63,15 @@ void SerialPortDemoController::wireActions() {
       shouldAddLineEnding = !shouldAddLineEnding;
       s.setState(shouldAddLineEnding ? 1 : 0);
     });
+  // The spot tables' filter bars and every list's refresh period.
+  for (const auto& c : window_.controls()) {
+    const std::string& o = c->outlet();
+    auto endsWith = [&o](std::string_view s) {
+      return o.size() > s.size() && o.compare(o.size() - s.size(), s.size(), s) == 0;
+    };
+    if (endsWith("BandFilter") || endsWith("ModeFilter")) wire(o, &SerialPortDemoController::goSpotFilter);
+    if (endsWith("RefreshEvery")) wire(o, &SerialPortDemoController::goRefreshEvery);
+  }
   if (ui::Control* tabs = window_.find("mainTab"))
     tabs->setAction([this](ui::Control& s) { tabSelected(s.titleOfSelectedItem()); });
 
@@ -110,6 +119,7 @@ void SerialPortDemoController::wireActions() {
 void SerialPortDemoController::applicationDidFinishLaunching() { selectMainTab(0); }
 
 void SerialPortDemoController::awakeFromNib() {
+  restoreSpotPreferences();
   refreshPortList();
   const bool chain = tlPortChecked == 0;
   if (chain) setUpRoutine();

@@ -12,9 +12,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "cat/ReceiveBuffer.h"
+#include "log/SpotRules.h"
 #include "platform/Platform.h"
 #include "ui/Controls.h"
 #include "ui/Table.h"
@@ -195,10 +197,14 @@ class SerialPortDemoController : public platform::SerialPortListener,
   bool acceptDrop(ui::Control& table, const std::optional<std::string>& text, int row,
                   ui::DropPosition position) override;
   void headerClicked(ui::Control& table, int column) override;
+  std::string rowMarks(const ui::Control& table, int row) override;
+  std::vector<std::string> rowMenu(const ui::Control& table, int row) override;
+  void rowMenuChosen(ui::Control& table, int row, int index) override;
 
   // ---------------------------------------------------------- web lists (spots/)
-  // Each refresh empties its list and starts the request; two seconds later
-  // the table shows what has arrived and `whenShown` runs.
+  // Each refresh starts the request; two seconds later the table shows what
+  // has arrived and `whenShown` runs (also when a newer refresh took over).
+  // Until then the rows on screen stay the rows every action acts on.
   void refreshPota(std::function<void()> whenShown = nullptr);
   void refreshSota(std::function<void()> whenShown = nullptr);
   void refreshNetLogger(std::function<void()> whenShown = nullptr);
@@ -215,6 +221,24 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void goNetsConfirm(ui::Control& sender);
   void goNetsUnconfirm(ui::Control& sender);
   std::optional<ui::Cell> webListCell(const ui::Control& table, const std::string& column, int row);
+
+  // ---------------------------------------------------------- spot filters, watch list, refresh every (spots/)
+  // The row of a spot table ("potaTable", "sotaTable") at a row on screen; none past the end.
+  const ListRow* spotRowOnScreen(const std::string& table, int row) const;
+  // The marks of a row on screen (log::kWatched, ...).
+  log::Marks spotMarks(const std::string& table, int row) const;
+  // The filter bar: the band and mode pop-ups of a spot table, and the
+  // refresh-every pop-up of a list (the sender's outlet names the list).
+  void goSpotFilter(ui::Control& sender);
+  void goRefreshEvery(ui::Control& sender);
+  // The watch list: its entries, as the operator typed them; a row's call sign added.
+  void setWatchList(const std::vector<std::string>& entries);
+  const std::vector<std::string>& watchList() const { return watchEntries_; }
+  void watchStation(const std::string& table, int row);
+  // Reads the filters, the watch list and the refresh periods kept across runs.
+  void restoreSpotPreferences();
+  // A click on a new watched spot's notification: tunes to that spot if it is still listed.
+  void tuneToWatchedSpot(const std::string& table, const std::string& identity);
   // The base address of a web service ("pota", "sota", ...): the address given
   // for this run, else the one saved in the settings, else the default.
   std::string serviceAddress(const std::string& name) const;
@@ -298,6 +322,28 @@ class SerialPortDemoController : public platform::SerialPortListener,
     Outcome outcome = Outcome::Pending;
     std::string detail;  // the network error or HTTP status
     std::string slot;    // the answer's text, for the lists read after the deadline
+    // Run when a list is shown: those of a refresh a newer one took over run
+    // with the newer one's rows, so a confirmation's speech is never lost.
+    std::vector<std::function<void()>> whenShown;
+    // Refresh every: the period in minutes (0: off), the failed fetches in a
+    // row, and the timer that is current (an older one does nothing).
+    int everyMinutes = 0;
+    int failures = 0;
+    unsigned timer = 0;
+    bool inFlight = false;  // a request is out and its answer has not come back
+    std::string note;       // the back-off's words at the end of the status line
+  };
+
+  // A spot table as shown: the rows of the answer being waited for, the
+  // positions (in the list) of the rows on screen, each row's marks, the
+  // filter, and the identities of the previous answer's spots.
+  struct SpotView {
+    std::vector<ListRow> pending;
+    std::vector<std::size_t> shown;
+    std::vector<log::Marks> marks;
+    log::SpotFilter filter;
+    std::optional<std::unordered_set<std::string>> previous;
+    std::string status;  // the status line as the last fetch left it
   };
 
  private:
@@ -309,7 +355,21 @@ class SerialPortDemoController : public platform::SerialPortListener,
                       const char* noun);
   void tuneTo(const std::vector<ListRow>& list, int tag,
               const std::function<std::optional<std::string>(const ListRow&)>& build, std::size_t spokenField);
+  void tuneToRow(const ListRow& row, const std::function<std::optional<std::string>(const ListRow&)>& build,
+                 std::size_t spokenField);
   void netConfirmation(int row, int action);
+  // Spot tables: rows on screen from the list and the filter, marks, and the
+  // alerts for new watched spots when `answered` (a new answer was shown).
+  void showSpots(const std::string& table, bool answered);
+  SpotView* spotView(const std::string& table);
+  const SpotView* spotView(const std::string& table) const;
+  std::vector<ListRow>* spotList(const std::string& table);
+  void alertWatched(const std::string& table, const ListRow& row);
+  void showFilteredStatus(const std::string& table);
+  // Refresh every: the next timed refresh of a list, after a period or a back-off.
+  void scheduleRefresh(const std::string& list);
+  WebFetch* fetchOf(const std::string& list);
+  void refreshList(const std::string& list);
 
   ui::Control* control(const std::string& outlet) const { return window_.find(outlet); }
   // Title bar and port status line after a change of the chosen port.
@@ -339,6 +399,9 @@ class SerialPortDemoController : public platform::SerialPortListener,
   WebFetch potaFetch_, sotaFetch_, netLoggerFetch_, netsFetch_, mwFetch_, conditionsFetch_;
   std::map<std::string, std::string> serviceOverrides_;
   std::string netsUserKey_;
+  SpotView potaView_, sotaView_;
+  std::vector<std::string> watchEntries_;
+  log::WatchList watch_;
   std::function<double()> wallClock_;
 };
 

@@ -5,9 +5,11 @@
 
 #include "conditions/BandConditions.h"
 #include "controls/Macros.h"
+#include "log/SpotRules.h"
 #include "memories/MemoriesTable.h"
 #include "menu/MenuTable.h"
 #include "menu/ReadLists.h"
+#include "spots/SpotView.h"
 #include "spots/WebLists.h"
 
 namespace tolvane {
@@ -282,6 +284,21 @@ void buildSpotsPage(ui::Window& w, Control& mainTab) {
                                {"mwTable", "mwStatusLabel", nullptr, 0}};
   for (int page = 0; page < 5; ++page) {
     const List& l = lists[page];
+    const std::string list = std::string(l.table).substr(0, std::string(l.table).size() - 5);
+    // Above a spot table, the filter bar: band and mode pop-ups that hide rows.
+    if (page < 2) {
+      std::vector<Entry> bands = titles({"All bands"});
+      for (const std::string& b : log::bandNames()) bands.push_back(Entry{b, 0, "", false});
+      popUp(w, spots, page, list + "BandFilter", std::move(bands)).selectIndex(0);
+      std::vector<Entry> modes = titles({"All modes"});
+      for (const std::string& m : log::modeFamilies()) modes.push_back(Entry{m, 0, "", false});
+      popUp(w, spots, page, list + "ModeFilter", std::move(modes)).selectIndex(0);
+    }
+    if (l.refresh) {
+      std::vector<Entry> every;
+      for (const std::string& t : spots::refreshEveryTitles()) every.push_back(Entry{t, 0, "", false});
+      popUp(w, spots, page, list + "RefreshEvery", std::move(every)).selectIndex(0);
+    }
     w.addOn(spots, page, l.table, Kind::Table).setColumns(spots::columnsOf(l.table));
     w.addOn(spots, page, l.status, Kind::Label).setTitle("Not fetched yet.");
     if (l.refresh) button(w, spots, page, l.refresh, l.tag, "Refresh");

@@ -17,8 +17,8 @@ int rows(const List& list) {
 int SerialPortDemoController::numberOfRows(const ui::Control& table) {
   const std::string& t = table.outlet();
   if (t == "memoriesTable") return rows(tlMemArray);
-  if (t == "potaTable") return rows(tlPotaArray);
-  if (t == "sotaTable") return rows(tlSotaArray);
+  if (t == "potaTable") return rows(potaView_.shown);
+  if (t == "sotaTable") return rows(sotaView_.shown);
   if (t == "netLoggerTable") return rows(tlNetLoggerArray);
   if (t == "netsTable") return rows(tlNetsArray);
   if (t == "mwTable") return rows(tlMWArray);

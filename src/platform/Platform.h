@@ -141,6 +141,13 @@ class Notifications {
   virtual ~Notifications() = default;
   // Shows a desktop notification and returns its id (0 when none was shown).
   virtual std::uint32_t deliver(const std::string& title, const std::string& text) = 0;
+  // The same, and a click on the notification runs `clicked` on the event
+  // loop (a desktop that cannot click just shows it).
+  virtual std::uint32_t deliverClickable(const std::string& title, const std::string& text,
+                                         std::function<void()> clicked) {
+    (void)clicked;
+    return deliver(title, text);
+  }
   virtual void remove(std::uint32_t id) = 0;
 };
 
@@ -160,6 +167,7 @@ struct HttpRequest {
 struct HttpResponse {
   bool ok = false;  // false: no answer (network error, time-out)
   int status = 0;
+  std::string reason;  // the status line's words ("Service Unavailable"), when the server gave them
   std::string body;
   std::string error;
 };

@@ -40,13 +40,28 @@ std::string lowerAscii(std::string_view s) {
   return out;
 }
 
+}  // namespace
+
 std::string trimmed(std::string_view s) {
+  // Services put no-break spaces (U+00A0, "\xC2\xA0" in UTF-8) around names
+  // and references as well as plain blanks.
+  constexpr std::string_view kNoBreak = "\xC2\xA0";
   const char* space = " \t\r\n\v\f";
-  const auto first = s.find_first_not_of(space);
-  if (first == std::string_view::npos) return {};
-  const auto last = s.find_last_not_of(space);
-  return std::string(s.substr(first, last - first + 1));
+  for (;;) {
+    const auto first = s.find_first_not_of(space);
+    if (first == std::string_view::npos) return {};
+    s.remove_prefix(first);
+    s = s.substr(0, s.find_last_not_of(space) + 1);
+    if (s.substr(0, 2) == kNoBreak)
+      s.remove_prefix(2);
+    else if (s.size() >= 2 && s.substr(s.size() - 2) == kNoBreak)
+      s.remove_suffix(2);
+    else
+      return std::string(s);
+  }
 }
+
+namespace {
 
 // Pieces of the text between separators, empty pieces dropped.
 std::vector<std::string_view> pieces(std::string_view s, char separator) {

@@ -23,6 +23,20 @@ const char* serviceTitle(const std::string& name) {
   return s ? s->title : "web";
 }
 
+// A fetch that failed keeps the rows shown: the operator still sees, and acts
+// on, the last list the service gave.
+bool keepsRows(const SerialPortDemoController::WebFetch& f) {
+  return f.outcome == Outcome::Failed || f.outcome == Outcome::HttpError || f.outcome == Outcome::Unreadable;
+}
+
+// Every list asks past any cache, with the same request headers.
+platform::HttpRequest listRequest() {
+  platform::HttpRequest request;
+  request.timeout = 60s;
+  request.cache = platform::CachePolicy::ReloadIgnoringCache;
+  return request;
+}
+
 }  // namespace
 
 double SerialPortDemoController::wallClock() const {
@@ -56,31 +70,43 @@ void SerialPortDemoController::fetchWebList(WebFetch& f, const std::string& serv
     f.outcome = Outcome::NoAddress;
   } else {
     request.url = spots::joinUrl(base, path);
-    sv_.http.send(request, [&f, generation, answer = std::move(answer)](const platform::HttpResponse& r) {
-      if (generation != f.generation) return;  // a newer request owns the list
-      const bool late = !f.waiting;
-      if (!r.ok || (r.status != 0 && (r.status < 200 || r.status > 299))) {
-        if (!late) {
-          f.outcome = r.ok ? Outcome::HttpError : Outcome::Failed;
-          f.detail = r.ok ? "HTTP " + std::to_string(r.status) : r.error;
-        }
-        return;
-      }
-      if (r.body.size() > spots::kMaxBodyBytes) {
-        if (!late) {
-          f.outcome = Outcome::Unreadable;
-          f.detail = "the answer is larger than 4 MiB";
-        }
-        return;
-      }
-      if (!late) f.outcome = Outcome::Answered;
-      answer(r, late);
-    });
+    f.inFlight = true;
+    sv_.http.send(
+        request, [this, &f, generation, service, answer = std::move(answer)](const platform::HttpResponse& r) {
+          if (generation != f.generation) return;  // a newer request owns the list
+          f.inFlight = false;
+          const bool late = !f.waiting;
+          if (!r.ok || (r.status != 0 && (r.status < 200 || r.status > 299))) {
+            if (!late) {
+              f.outcome = r.ok ? Outcome::HttpError : Outcome::Failed;
+              f.detail = r.ok ? "HTTP " + std::to_string(r.status) + (r.reason.empty() ? "" : " " + r.reason) : r.error;
+              if (r.ok) sv_.log.line(std::string(serviceTitle(service)) + ": " + f.detail);
+            }
+            return;
+          }
+          if (r.body.size() > spots::kMaxBodyBytes) {
+            if (!late) {
+              f.outcome = Outcome::Unreadable;
+              f.detail = "the answer is larger than 4 MiB";
+            }
+            return;
+          }
+          if (!late) f.outcome = Outcome::Answered;
+          answer(r, late);
+        });
   }
-  sv_.scheduler.after(kFetchWait, [&f, generation, deadline = std::move(deadline)] {
+  sv_.scheduler.after(kFetchWait, [this, &f, generation, service, deadline = std::move(deadline)] {
     if (generation != f.generation) return;
     f.waiting = false;
     deadline();
+    std::vector<std::function<void()>> shown;
+    shown.swap(f.whenShown);
+    for (auto& task : shown)
+      if (task) task();
+    if (f.everyMinutes > 0) {
+      f.failures = f.outcome == Outcome::Answered || f.outcome == Outcome::NoAddress ? 0 : f.failures + 1;
+      scheduleRefresh(service);
+    }
   });
 }
 
@@ -104,7 +130,7 @@ void SerialPortDemoController::showListStatus(const std::string& outlet, const W
              (f.detail.empty() ? std::string(".") : ": " + f.detail + ".");
       break;
     case Outcome::HttpError:
-      text = "The " + title + " service answered " + f.detail + " at " + when + ".";
+      text = title + ": " + f.detail;
       break;
     case Outcome::NoAddress:
       text = "The " + title + " address is not set.";
@@ -119,12 +145,11 @@ void SerialPortDemoController::showListStatus(const std::string& outlet, const W
 // ---------------------------------------------------------------- POTA
 
 void SerialPortDemoController::refreshPota(std::function<void()> whenShown) {
-  tlPotaArray.clear();
+  potaView_.pending.clear();
+  potaFetch_.whenShown.push_back(std::move(whenShown));
   const double now = wallClock();
-  platform::HttpRequest request;
-  request.timeout = 60s;
   fetchWebList(
-      potaFetch_, "pota", "/spot/activator", request,
+      potaFetch_, "pota", "/spot/activator", listRequest(),
       [this, now](const platform::HttpResponse& r, bool late) {
         spots::Decoded d = spots::decodePota(r.body, now);
         if (!d.error.empty()) {
@@ -132,26 +157,32 @@ void SerialPortDemoController::refreshPota(std::function<void()> whenShown) {
           if (!late) potaFetch_.outcome = Outcome::Unreadable;
           return;
         }
-        // Late rows wait, unsorted, for the next reload of the table.
-        for (auto& row : d.rows) tlPotaArray.push_back(std::move(row));
+        // Rows wait for the deadline; late rows wait, unsorted, for the next
+        // time the table's rows are worked out.
+        for (auto& row : d.rows) (late ? tlPotaArray : potaView_.pending).push_back(std::move(row));
       },
-      [this, whenShown = std::move(whenShown)] {
-        if (!tlPotaArray.empty()) spots::sortPota(tlPotaArray);
-        if (ui::Control* t = control("potaTable")) t->reloadData();
+      [this] {
+        const bool answered = !keepsRows(potaFetch_);
+        if (answered) {
+          tlPotaArray = std::move(potaView_.pending);
+          if (!tlPotaArray.empty()) spots::sortPota(tlPotaArray);
+        }
+        potaView_.pending.clear();
+        showSpots("potaTable", potaFetch_.outcome == Outcome::Answered);
         showListStatus("potaStatusLabel", potaFetch_, "pota", tlPotaArray.size(), "spot");
-        if (whenShown) whenShown();
+        potaView_.status = control("potaStatusLabel") ? control("potaStatusLabel")->title() : "";
+        showFilteredStatus("potaTable");
       });
 }
 
 // ---------------------------------------------------------------- SOTA
 
 void SerialPortDemoController::refreshSota(std::function<void()> whenShown) {
-  tlSotaArray.clear();
+  sotaView_.pending.clear();
+  sotaFetch_.whenShown.push_back(std::move(whenShown));
   const double now = wallClock();
-  platform::HttpRequest request;
-  request.timeout = 60s;
   fetchWebList(
-      sotaFetch_, "sota", "/api/spots/-3/all", request,
+      sotaFetch_, "sota", "/api/spots/-3/all", listRequest(),
       [this, now](const platform::HttpResponse& r, bool late) {
         spots::Decoded d = spots::decodeSota(r.body, now);
         if (!d.error.empty()) {
@@ -159,12 +190,16 @@ void SerialPortDemoController::refreshSota(std::function<void()> whenShown) {
           if (!late) sotaFetch_.outcome = Outcome::Unreadable;
           return;
         }
-        for (auto& row : d.rows) tlSotaArray.push_back(std::move(row));
+        for (auto& row : d.rows) (late ? tlSotaArray : sotaView_.pending).push_back(std::move(row));
       },
-      [this, whenShown = std::move(whenShown)] {
-        if (ui::Control* t = control("sotaTable")) t->reloadData();
+      [this] {
+        const bool answered = !keepsRows(sotaFetch_);
+        if (answered) tlSotaArray = std::move(sotaView_.pending);
+        sotaView_.pending.clear();
+        showSpots("sotaTable", sotaFetch_.outcome == Outcome::Answered);
         showListStatus("sotaStatusLabel", sotaFetch_, "sota", tlSotaArray.size(), "spot");
-        if (whenShown) whenShown();
+        sotaView_.status = control("sotaStatusLabel") ? control("sotaStatusLabel")->title() : "";
+        showFilteredStatus("sotaTable");
       });
 }
 
@@ -186,47 +221,35 @@ auto keepText(SerialPortDemoController::WebFetch& f) {
   };
 }
 
-platform::HttpRequest taggedRequest(platform::CachePolicy cache) {
-  platform::HttpRequest request;
-  request.timeout = 60s;
-  request.cache = cache;
-  return request;
-}
-
 }  // namespace
 
+// The tagged lists keep their rows on screen until the new ones are shown.
 void SerialPortDemoController::refreshNetLogger(std::function<void()> whenShown) {
-  tlNetLoggerArray.clear();
-  fetchWebList(netLoggerFetch_, "netlogger", "/api/GetActiveNets.php",
-               taggedRequest(platform::CachePolicy::UseProtocol), keepText(netLoggerFetch_),
-               [this, whenShown = std::move(whenShown)] {
-                 tlNetLoggerArray = spots::netLoggerRows(netLoggerFetch_.slot);
+  netLoggerFetch_.whenShown.push_back(std::move(whenShown));
+  fetchWebList(netLoggerFetch_, "netlogger", "/api/GetActiveNets.php", listRequest(), keepText(netLoggerFetch_),
+               [this] {
+                 if (!keepsRows(netLoggerFetch_)) tlNetLoggerArray = spots::netLoggerRows(netLoggerFetch_.slot);
                  if (ui::Control* t = control("netLoggerTable")) t->reloadData();
                  showListStatus("netLoggerStatusLabel", netLoggerFetch_, "netlogger", tlNetLoggerArray.size(), "net");
-                 if (whenShown) whenShown();
                });
 }
 
 void SerialPortDemoController::refreshNets(std::function<void()> whenShown) {
-  tlNetsArray.clear();
-  fetchWebList(netsFetch_, "nets", "/nets.php", taggedRequest(platform::CachePolicy::ReloadIgnoringCache),
-               keepText(netsFetch_), [this, whenShown = std::move(whenShown)] {
-                 tlNetsArray = spots::netsRows(netsFetch_.slot);
-                 if (ui::Control* t = control("netsTable")) t->reloadData();
-                 showListStatus("netsStatusLabel", netsFetch_, "nets", tlNetsArray.size(), "net");
-                 if (whenShown) whenShown();
-               });
+  netsFetch_.whenShown.push_back(std::move(whenShown));
+  fetchWebList(netsFetch_, "nets", "/nets.php", listRequest(), keepText(netsFetch_), [this] {
+    if (!keepsRows(netsFetch_)) tlNetsArray = spots::netsRows(netsFetch_.slot);
+    if (ui::Control* t = control("netsTable")) t->reloadData();
+    showListStatus("netsStatusLabel", netsFetch_, "nets", tlNetsArray.size(), "net");
+  });
 }
 
 void SerialPortDemoController::refreshMW(std::function<void()> whenShown) {
-  tlMWArray.clear();
-  fetchWebList(mwFetch_, "mw", "/mw.php", taggedRequest(platform::CachePolicy::ReloadIgnoringCache), keepText(mwFetch_),
-               [this, whenShown = std::move(whenShown)] {
-                 tlMWArray = spots::mwRows(mwFetch_.slot);
-                 if (ui::Control* t = control("mwTable")) t->reloadData();
-                 showListStatus("mwStatusLabel", mwFetch_, "mw", tlMWArray.size(), "station");
-                 if (whenShown) whenShown();
-               });
+  mwFetch_.whenShown.push_back(std::move(whenShown));
+  fetchWebList(mwFetch_, "mw", "/mw.php", listRequest(), keepText(mwFetch_), [this] {
+    if (!keepsRows(mwFetch_)) tlMWArray = spots::mwRows(mwFetch_.slot);
+    if (ui::Control* t = control("mwTable")) t->reloadData();
+    showListStatus("mwStatusLabel", mwFetch_, "mw", tlMWArray.size(), "station");
+  });
 }
 
 void SerialPortDemoController::startWebListChain() {
@@ -244,7 +267,12 @@ void SerialPortDemoController::tuneTo(const std::vector<ListRow>& list, int tag,
                                       const std::function<std::optional<std::string>(const ListRow&)>& build,
                                       std::size_t spokenField) {
   if (tag < 0 || tag >= static_cast<int>(list.size())) return;  // a stale button
-  const ListRow& row = list[static_cast<std::size_t>(tag)];
+  tuneToRow(list[static_cast<std::size_t>(tag)], build, spokenField);
+}
+
+void SerialPortDemoController::tuneToRow(const ListRow& row,
+                                         const std::function<std::optional<std::string>(const ListRow&)>& build,
+                                         std::size_t spokenField) {
   const std::optional<std::string> text = build(row);
   if (!text) return;  // a frequency that is not a number sends nothing
   cmd = *text;
@@ -252,14 +280,18 @@ void SerialPortDemoController::tuneTo(const std::vector<ListRow>& list, int tag,
   if (spokenField < row.size()) speak(row[spokenField]);
 }
 
+// The spot tables' buttons carry the row on screen, which a filter may part
+// from the row's position in the list.
 void SerialPortDemoController::goPotaTune(ui::Control& sender) {
-  tuneTo(
-      tlPotaArray, sender.tag(), [this](const ListRow& r) { return spots::potaTune(r, tlAorB); }, 4);
+  if (const ListRow* row = spotRowOnScreen("potaTable", sender.tag()))
+    tuneToRow(
+        *row, [this](const ListRow& r) { return spots::potaTune(r, tlAorB); }, 4);
 }
 
 void SerialPortDemoController::goSotaTune(ui::Control& sender) {
-  tuneTo(
-      tlSotaArray, sender.tag(), [this](const ListRow& r) { return spots::sotaTune(r, tlAorB); }, 6);
+  if (const ListRow* row = spotRowOnScreen("sotaTable", sender.tag()))
+    tuneToRow(
+        *row, [this](const ListRow& r) { return spots::sotaTune(r, tlAorB); }, 6);
 }
 
 void SerialPortDemoController::goNetsTune(ui::Control& sender) {
@@ -369,7 +401,9 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
   };
 
   if (t == "potaTable") {
-    const ListRow& f = tlPotaArray[r];
+    const ListRow* on = spotRowOnScreen(t, row);
+    if (!on) return std::nullopt;
+    const ListRow& f = *on;
     if (f.size() < 10) return std::nullopt;
     if (column == "tune")
       return tune("potaTableTuneButton", &SerialPortDemoController::goPotaTune, spots::potaTune(f, tlAorB));
@@ -382,7 +416,9 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
     if (column == "location") return text(f[8]);
     if (column == "reference") return link(f[9], site("pota-web", "/#/park/" + f[9]));
   } else if (t == "sotaTable") {
-    const ListRow& f = tlSotaArray[r];
+    const ListRow* on = spotRowOnScreen(t, row);
+    if (!on) return std::nullopt;
+    const ListRow& f = *on;
     if (f.size() < 10) return std::nullopt;
     if (column == "tune2")
       return tune("sotaTableTuneButton", &SerialPortDemoController::goSotaTune, spots::sotaTune(f, tlAorB));

@@ -38,6 +38,9 @@ std::int64_t ageInMinutes(double now, std::int64_t spotTime);
 // The text read as a decimal 64-bit integer, or `otherwise`.
 std::int64_t integerOr(std::string_view text, std::int64_t otherwise);
 
+// The text without blanks and no-break spaces (U+00A0) at either end.
+std::string trimmed(std::string_view text);
+
 // Only the characters "0123456789." of the text, in their order.
 std::string digitsAndDots(std::string_view text);
 

@@ -69,6 +69,24 @@ void clickHeader(Control& table, int column) {
   if (TableDataSource* source = sourceFor(table)) source->headerClicked(table, column);
 }
 
+std::string rowMarks(const Control& table, int row) {
+  TableDataSource* source = sourceFor(table);
+  return source && inRows(*source, table, row) ? source->rowMarks(table, row) : std::string();
+}
+
+std::vector<std::string> rowMenu(const Control& table, int row) {
+  TableDataSource* source = sourceFor(table);
+  if (!source || !inRows(*source, table, row)) return {};
+  return source->rowMenu(table, row);
+}
+
+bool chooseInRowMenu(Control& table, int row, int index) {
+  const std::vector<std::string> titles = rowMenu(table, row);
+  if (index < 0 || index >= static_cast<int>(titles.size())) return false;
+  sourceFor(table)->rowMenuChosen(table, row, index);
+  return true;
+}
+
 bool pressKeyOnRow(Control& table, int row, const std::string& key) {
   if (key.empty()) return false;
   for (const auto& col : table.columns())

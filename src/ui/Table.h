@@ -62,6 +62,13 @@ class TableDataSource {
 
   // A click in the header of the column at that position.
   virtual void headerClicked(Control&, int) {}
+
+  // Words that mark a row ("watched", "watched, worked"), shown with the row
+  // and read with it; "" for none.
+  virtual std::string rowMarks(const Control&, int) { return {}; }
+  // The titles of a row's context menu (none: no menu), and a choice in it.
+  virtual std::vector<std::string> rowMenu(const Control&, int) { return {}; }
+  virtual void rowMenuChosen(Control&, int, int) {}
 };
 
 // A stand-alone control for a cell's button or pop-up: outlet, kind, tag (the
@@ -85,6 +92,11 @@ bool dropText(Control& table, const std::optional<std::string>& text, int row, D
 // Drags row `from` of the table and drops it above row `to`, as a drag within one table does.
 bool dragRow(Control& table, int from, int to);
 void clickHeader(Control& table, int column);
+// The marks of a row, and its context menu: the titles, and the operator's
+// choice of entry `index` (false when the row has no such entry).
+std::string rowMarks(const Control& table, int row);
+std::vector<std::string> rowMenu(const Control& table, int row);
+bool chooseInRowMenu(Control& table, int row, int index);
 
 // ---------------------------------------------------------------- keys on the selected row
 

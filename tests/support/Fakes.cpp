@@ -83,7 +83,15 @@ std::optional<std::string> FakeSettings::value(const std::string& key) const {
 
 std::uint32_t FakeNotifications::deliver(const std::string& title, const std::string& text) {
   delivered.emplace_back(title, text);
+  clicks.emplace_back();
   return static_cast<std::uint32_t>(delivered.size());
+}
+
+std::uint32_t FakeNotifications::deliverClickable(const std::string& title, const std::string& text,
+                                                  std::function<void()> clicked) {
+  const std::uint32_t id = deliver(title, text);
+  clicks.back() = std::move(clicked);
+  return id;
 }
 
 void FakeHttp::send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) {

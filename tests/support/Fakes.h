@@ -118,8 +118,12 @@ class FakeSounds : public platform::Sounds {
 class FakeNotifications : public platform::Notifications {
  public:
   std::uint32_t deliver(const std::string& title, const std::string& text) override;
+  std::uint32_t deliverClickable(const std::string& title, const std::string& text,
+                                 std::function<void()> clicked) override;
   void remove(std::uint32_t id) override { removed.push_back(id); }
   std::vector<std::pair<std::string, std::string>> delivered;
+  // What a click on each delivered notification does (empty: not clickable).
+  std::vector<std::function<void()>> clicks;
   std::vector<std::uint32_t> removed;
 };
 
