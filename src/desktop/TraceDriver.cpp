@@ -13,13 +13,27 @@ namespace tolvane::desktop {
 
 namespace {
 
+// "click OUTLET", "click TABLE COLUMN ROW", "choose POPUP INDEX" and
+// "menu TABLE ROW INDEX" (an entry of a row's context menu).
 bool perform(ui::Window& model, const std::string& line) {
   std::istringstream words(line);
   std::string verb, outlet, column;
   int row = -1;
-  if (!(words >> verb >> outlet) || verb != "click") return false;
+  if (!(words >> verb >> outlet)) return false;
   ui::Control* c = model.find(outlet);
   if (!c) return false;
+  if (verb == "choose") {
+    int index = -1;
+    if (!(words >> index) || c->kind() != ui::Kind::PopUp || !c->enabled()) return false;
+    if (index < 0 || index >= static_cast<int>(c->entries().size())) return false;
+    c->choose(index);
+    return true;
+  }
+  if (verb == "menu") {
+    int index = -1;
+    return c->kind() == ui::Kind::Table && (words >> row >> index) && ui::chooseInRowMenu(*c, row, index);
+  }
+  if (verb != "click") return false;
   if (!(words >> column >> row)) {
     if (c->kind() != ui::Kind::Button || !c->enabled()) return false;
     c->click();

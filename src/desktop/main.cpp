@@ -137,9 +137,15 @@ int main(int argc, char** argv) {
       if (k == ui::Kind::Button || k == ui::Kind::Label || k == ui::Kind::Box)
         std::fprintf(stderr, "trace title %s %s %lld\n", c.outlet().c_str(), c.title().c_str(),
                      static_cast<long long>(monotonicNs()));
-      else if (k == ui::Kind::Table && c.dataSource())
-        std::fprintf(stderr, "trace rows %s %d %lld\n", c.outlet().c_str(), c.dataSource()->numberOfRows(c),
+      else if (k == ui::Kind::Table && c.dataSource()) {
+        const int rows = c.dataSource()->numberOfRows(c);
+        std::fprintf(stderr, "trace rows %s %d %lld\n", c.outlet().c_str(), rows,
                      static_cast<long long>(monotonicNs()));
+        // Marked rows ("watched") one line each.
+        for (int r = 0; r < rows; ++r)
+          if (const std::string marks = ui::rowMarks(c, r); !marks.empty())
+            std::fprintf(stderr, "trace marks %s %d %s\n", c.outlet().c_str(), r, marks.c_str());
+      }
     });
     QObject::connect(&window, &desktop::MainWindow::firstPainted,
                      [] { std::fprintf(stderr, "trace shown %lld\n", static_cast<long long>(monotonicNs())); });
@@ -190,6 +196,10 @@ int main(int argc, char** argv) {
   QObject::connect(&window, &desktop::MainWindow::preferencesRequested, [&] {
     auto* dialog = new desktop::PreferencesDialog(settings, netsKey, &window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->addWatchListPage(controller.watchList());
+    QObject::connect(dialog, &desktop::PreferencesDialog::watchListChanged, [&controller](const QString& text) {
+      controller.setWatchList(tolvane::log::WatchList::parse(text.toStdString()));
+    });
     QObject::connect(
         dialog, &desktop::PreferencesDialog::shareChanged,
         [&rigctld, &flrig](const desktop::ShareConfig& c) { desktop::applyShareConfig(c, rigctld, flrig); });

@@ -235,11 +235,25 @@ struct WebListKeys : ::testing::Test {
   Binder binder{rig.window};
   MainWindow window{binder};
 
+  static std::string potaAnswer(const char* call, const char* khz, const char* mode, const char* time) {
+    return std::string(R"({"activator": ")") + call + R"(", "frequency": ")" + khz + R"(", "mode": ")" + mode +
+           R"(", "comments": "", "name": "Park", "spotTime": ")" + time +
+           R"(", "locationDesc": "US-ME", "reference": "US-0001"})";
+  }
+  // Shows a POTA answer as a refresh does, after its two-second wait.
+  void showPota(const std::string& body) {
+    rig.http.serve(kPota, test::httpAnswer(body), std::chrono::milliseconds(300));
+    rig.c().refreshPota();
+    rig.scheduler.advance(std::chrono::seconds(2));
+  }
+  static constexpr const char* kPota = "https://api.pota.app/spot/activator";
+
   void SetUp() override {
+    rig.c().setWallClock([] { return 1714558800.0; });  // 2024-05-01T10:20:00Z
+    showPota("[" + potaAnswer("K1AAA", "7185", "SSB", "2024-05-01T10:17:00") + "," +
+             potaAnswer("K2BBB", "14074", "FT8", "2024-05-01T10:15:00") + "]");
     rig.openPort();
     rig.c().tlAorB = "A";
-    rig.c().tlPotaArray = {{"K1AAA", "7185", "SSB", "", "Park A", "3", "0.0", "0.0", "US-ME", "US-0001"},
-                           {"K2BBB", "14074", "FT8", "", "Park B", "5", "0.0", "0.0", "US-NH", "US-0002"}};
     rig.c().tlNetsArray = {{"Morning", "3.940", "1300", "LSB", "", "2", "117"}};
     rig.c().overrideServiceAddress("nets", "http://nets.local");
     rig.at("potaTable").reloadData();
@@ -306,6 +320,31 @@ TEST_F(WebListKeys, ReturnTunesTheSelectedRowAndTheRowSaysSo) {
   ASSERT_NE(cell, nullptr);
   EXPECT_EQ(cell->text(QAccessible::Name), "K1AAA");
   EXPECT_EQ(cell->text(QAccessible::Description), "Return tunes VFO B to 7.185 MHz, LSB.");
+}
+
+// The row on screen is the row tuned: while a refresh's new list has arrived
+// but waits to be shown, Return tunes the station the selected row shows.
+TEST_F(WebListKeys, ReturnDuringARefreshTunesTheStationOnScreen) {
+  TableView* view = table("potaTable");
+  rig.at("spotsTab").selectIndex(0);
+  view->setFocus();
+  view->selectRow(0);
+  rig.http.serve(kPota, test::httpAnswer("[" + potaAnswer("W9NEW", "21300", "SSB", "2024-05-01T10:19:00") + "]"),
+                 std::chrono::milliseconds(300));
+  rig.at("potaRefreshButton").click();
+  rig.scheduler.advance(std::chrono::seconds(1));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(view->model()->index(0, 1).data().toString(), "K1AAA");
+  rig.port->clearWrites();
+  QTest::keyClick(view, Qt::Key_Return);
+  EXPECT_EQ(rig.written(), "MD01;SF1E;FA007185000;SS0640000;");
+  // Once the new list is shown, Return tunes its row.
+  rig.scheduler.advance(std::chrono::seconds(1));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(view->model()->index(0, 1).data().toString(), "W9NEW");
+  rig.port->clearWrites();
+  QTest::keyClick(view, Qt::Key_Return);
+  EXPECT_EQ(rig.written(), "MD02;SF1E;FA021300000;SS0640000;");
 }
 
 TEST_F(WebListKeys, OnTheNetsListCtrlReturnConfirmsAndDeleteWithdraws) {

@@ -128,6 +128,8 @@ TEST(WebListsEndToEnd, ListsFillFromTheServicesAndAPotaTuneReachesTheRadio) {
   writeFile(dir + "/www/spot/activator", potaAnswer());
   writeFile(dir + "/www/api/GetActiveNets.php", kNetLoggerAnswer);
   writeFile(dir + "/www/solarxml.php", solarAnswer());
+  // A previous run left a watch list that names K1ABC's portable forms too.
+  writeFile(dir + "/Tolvane/Tolvane.conf", "[General]\nwatchList=W7XYZ\\nK1ABC*\n");
   const pid_t server =
       spawn({"python3", "-u", "-m", "http.server", "0", "--bind", "127.0.0.1", "--directory", dir + "/www"},
             dir + "/server.out", dir + "/server.err");
@@ -206,6 +208,19 @@ TEST(WebListsEndToEnd, ListsFillFromTheServicesAndAPotaTuneReachesTheRadio) {
     sent.clear();
   }
   EXPECT_EQ(sent, "MD02;SF1E;FA014285000;SS0640000;") << readFile(dir + "/wire.log");
+
+  // K1ABC was watched: the row is marked and the console says it was spotted.
+  EXPECT_TRUE(fileShows(trace, "trace marks potaTable 0 watched", kWaitMs)) << listTrace(trace);
+  EXPECT_TRUE(
+      fileShows(dir + "/app.out", "Watched station spotted: K1ABC at US-0001 on 20 m, SSB (14285.0 kHz).", kWaitMs))
+      << readFile(dir + "/app.out");
+  // The mode filter on CW leaves VE3QRP's spot alone on screen, and the
+  // status line counts what is shown; the Tune of row 0 is VE3QRP's now.
+  ASSERT_TRUE(gesture("choose potaModeFilter 1"));
+  EXPECT_TRUE(fileShows(trace, "trace rows potaTable 1 ", kWaitMs)) << listTrace(trace);
+  EXPECT_TRUE(fileShows(trace, " spots. 1 of 2 spots shown.", kWaitMs)) << listTrace(trace);
+  ASSERT_TRUE(gesture("click potaTable tune 0"));
+  EXPECT_TRUE(fileShows(trace, "trace title tlFreqAButton 7.032.500 ", kWaitMs)) << listTrace(trace);
 
   close(gestures[1]);
 }

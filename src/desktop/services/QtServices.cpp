@@ -107,29 +107,55 @@ const QString kPath = QStringLiteral("/org/freedesktop/Notifications");
 QtNotifications::QtNotifications(QObject* parent) : QObject(parent) {
   QDBusConnection bus = QDBusConnection::sessionBus();
   available_ = bus.isConnected();
+  if (!available_) return;
+  bus.connect(kService, kPath, kService, QStringLiteral("ActionInvoked"), this, SLOT(actionInvoked(uint, QString)));
+  bus.connect(kService, kPath, kService, QStringLiteral("NotificationClosed"), this, SLOT(closed(uint, uint)));
 }
 
 std::uint32_t QtNotifications::deliver(const std::string& title, const std::string& text) {
+  return notify(title, text, nullptr);
+}
+
+std::uint32_t QtNotifications::deliverClickable(const std::string& title, const std::string& text,
+                                                std::function<void()> clicked) {
+  return notify(title, text, std::move(clicked));
+}
+
+void QtNotifications::actionInvoked(uint serverId, const QString& action) {
+  auto it = clicks_.find(serverId);
+  if (it == clicks_.end() || action != QStringLiteral("default")) return;
+  const std::function<void()> click = it->second;
+  click();
+}
+
+void QtNotifications::closed(uint serverId, uint) { clicks_.erase(serverId); }
+
+std::uint32_t QtNotifications::notify(const std::string& title, const std::string& text,
+                                      std::function<void()> clicked) {
   if (!available_) return 0;
   const std::uint32_t id = nextId_++;
   QDBusMessage msg = QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("Notify"));
+  // "default" is the action of a click on the notification itself.
+  const QStringList actions = clicked ? QStringList{QStringLiteral("default"), QStringLiteral("Tune")} : QStringList();
   msg << QStringLiteral("Tolvane") << 0u << QString() << QString::fromStdString(title) << QString::fromStdString(text)
-      << QStringList() << QVariantMap() << -1;
+      << actions << QVariantMap() << -1;
   auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(msg), this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, id](QDBusPendingCallWatcher* w) {
-    QDBusPendingReply<uint> reply = *w;
-    w->deleteLater();
-    const bool removeNow = removeOnArrival_.erase(id) > 0;
-    if (reply.isError()) return;  // no notification service: nothing shown
-    if (removeNow) {
-      QDBusMessage close =
-          QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("CloseNotification"));
-      close << reply.value();
-      QDBusConnection::sessionBus().asyncCall(close);
-    } else {
-      serverIds_[id] = reply.value();
-    }
-  });
+  connect(watcher, &QDBusPendingCallWatcher::finished, this,
+          [this, id, clicked = std::move(clicked)](QDBusPendingCallWatcher* w) {
+            QDBusPendingReply<uint> reply = *w;
+            w->deleteLater();
+            const bool removeNow = removeOnArrival_.erase(id) > 0;
+            if (reply.isError()) return;  // no notification service: nothing shown
+            if (clicked && !removeNow) clicks_[reply.value()] = clicked;
+            if (removeNow) {
+              QDBusMessage close =
+                  QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("CloseNotification"));
+              close << reply.value();
+              QDBusConnection::sessionBus().asyncCall(close);
+            } else {
+              serverIds_[id] = reply.value();
+            }
+          });
   return id;
 }
 
@@ -141,6 +167,7 @@ void QtNotifications::remove(std::uint32_t id) {
   }
   QDBusMessage msg = QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("CloseNotification"));
   msg << it->second;
+  clicks_.erase(it->second);
   serverIds_.erase(it);
   QDBusConnection::sessionBus().asyncCall(msg);
 }
@@ -158,12 +185,22 @@ void QtHttpClient::send(const platform::HttpRequest& request, std::function<void
                    request.cache == platform::CachePolicy::ReloadIgnoringCache ? QNetworkRequest::AlwaysNetwork
                                                                                : QNetworkRequest::PreferCache);
   req.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+  // Asked past any cache: the same two headers on every such request.
+  if (request.cache == platform::CachePolicy::ReloadIgnoringCache) {
+    req.setRawHeader("Cache-Control", "no-cache");
+    req.setRawHeader("Pragma", "no-cache");
+  }
   const QByteArray body = QByteArray::fromStdString(request.body);
-  QNetworkReply* reply = nam_->sendCustomRequest(req, QByteArray::fromStdString(request.method), body);
+  // GET and POST as such: a custom request would send "Content-Length: 0" with a GET.
+  QNetworkReply* reply = request.method == "GET" ? nam_->get(req)
+                         : request.method == "POST"
+                             ? nam_->post(req, body)
+                             : nam_->sendCustomRequest(req, QByteArray::fromStdString(request.method), body);
   connect(reply, &QNetworkReply::finished, this, [reply, done = std::move(done)] {
     reply->deleteLater();
     platform::HttpResponse r;
     r.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    r.reason = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString();
     r.body = reply->readAll().toStdString();
     // An HTTP error status is still an answer; only a missing answer is not ok.
     r.ok = reply->error() == QNetworkReply::NoError || r.status != 0;

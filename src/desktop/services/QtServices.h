@@ -69,10 +69,21 @@ class QtNotifications : public QObject, public platform::Notifications {
  public:
   explicit QtNotifications(QObject* parent = nullptr);
   std::uint32_t deliver(const std::string& title, const std::string& text) override;
+  // Offers the notification's default action; the server's ActionInvoked
+  // signal for it runs `clicked`.
+  std::uint32_t deliverClickable(const std::string& title, const std::string& text,
+                                 std::function<void()> clicked) override;
   void remove(std::uint32_t id) override;
 
+ private slots:
+  void actionInvoked(uint serverId, const QString& action);
+  void closed(uint serverId, uint reason);
+
  private:
+  std::uint32_t notify(const std::string& title, const std::string& text, std::function<void()> clicked);
+
   bool available_ = false;
+  std::map<std::uint32_t, std::function<void()>> clicks_;  // server's id -> what a click does
   std::uint32_t nextId_ = 1;
   std::map<std::uint32_t, std::uint32_t> serverIds_;  // ours -> server's
   std::map<std::uint32_t, bool> removeOnArrival_;

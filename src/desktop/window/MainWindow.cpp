@@ -428,8 +428,27 @@ void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex
   pageIndex_ = pageIndex;
   std::vector<std::string> buttons;
   QFormLayout* form = nullptr;
+  QHBoxLayout* bar = nullptr;
   for (ui::Control* c : binder_.model().onPage(tabOutlet, pageIndex)) {
     if (placed_.count(c->outlet())) continue;
+    // A web list's filter bar: its pop-ups side by side above the table, each after its label.
+    const std::string& o = c->outlet();
+    const bool filterBar = c->kind() == ui::Kind::PopUp &&
+                           (o.ends_with("BandFilter") || o.ends_with("ModeFilter") || o.ends_with("RefreshEvery"));
+    if (filterBar) {
+      if (!bar) {
+        bar = new QHBoxLayout;
+        into->addLayout(bar);
+      }
+      if (QWidget* w = take(o)) {
+        auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
+        label->setBuddy(w);
+        bar->addWidget(label);
+        bar->addWidget(w);
+        bar->addSpacing(12);
+      }
+      continue;
+    }
     switch (c->kind()) {
       case ui::Kind::TabView: {
         QWidget* w = take(c->outlet());
@@ -467,6 +486,7 @@ void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex
         break;
     }
   }
+  if (bar) bar->addStretch();
   if (!buttons.empty()) {
     auto* holder = new QWidget;
     auto* grid = new QGridLayout(holder);

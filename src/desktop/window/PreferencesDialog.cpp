@@ -7,6 +7,7 @@
 #include <QHostAddress>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -149,6 +150,27 @@ QWidget* PreferencesDialog::buildServicesPage() {
   return page;
 }
 
+void PreferencesDialog::addWatchListPage(const std::vector<std::string>& entries) {
+  auto* page = new QWidget;
+  auto* v = new QVBoxLayout(page);
+  auto* about = note(QStringLiteral(
+      "Call signs and park or summit references to watch, one a line. A trailing * also matches portable forms "
+      "(K7CAR* matches K7CAR/P) and every reference that begins so (W7W/* or US-*). A watched station new in a "
+      "spot list gives a desktop notification, the alert sound and, with the voice guide on, its call and band."));
+  v->addWidget(about);
+  QString text;
+  for (const std::string& e : entries) text += QString::fromStdString(e) + QLatin1Char('\n');
+  watchList_ = new QPlainTextEdit(text);
+  watchList_->setObjectName(QStringLiteral("watchListField"));
+  watchList_->setAccessibleName(QStringLiteral("Watch list"));
+  watchList_->setTabChangesFocus(true);
+  auto* label = new QLabel(QStringLiteral("&Watch list:"));
+  label->setBuddy(watchList_);
+  v->addWidget(label);
+  v->addWidget(watchList_, 1);
+  addPage(page, QStringLiteral("Watch list"));
+}
+
 ShareConfig PreferencesDialog::shareConfig() const {
   ShareConfig c;
   c.rigctldOn = rigctldOn_->isChecked();
@@ -200,6 +222,7 @@ void PreferencesDialog::accept() {
   }
   if (netsKeyEdit_->text() != netsKey_.key()) netsKey_.store(netsKeyEdit_->text());
   emit shareChanged(c);
+  if (watchList_) emit watchListChanged(watchList_->toPlainText());
   QDialog::accept();
 }
 

@@ -14,6 +14,7 @@ class QCheckBox;
 class QDialogButtonBox;
 class QLabel;
 class QLineEdit;
+class QPlainTextEdit;
 class QSpinBox;
 class QTabWidget;
 
@@ -28,6 +29,8 @@ class PreferencesDialog : public QDialog {
 
   // A page of its own; the dialog shows pages in the order they are added.
   void addPage(QWidget* page, const QString& title);
+  // The "Watch list" page: the watched call signs and references, one a line.
+  void addWatchListPage(const std::vector<std::string>& entries);
 
   // The sharing configuration the fields describe now.
   ShareConfig shareConfig() const;
@@ -39,6 +42,8 @@ class PreferencesDialog : public QDialog {
  signals:
   // After OK: the sharing configuration saved (the servers follow it).
   void shareChanged(const ShareConfig& config);
+  // After OK: the watch list's entries as typed (one a line), when the page is there.
+  void watchListChanged(const QString& text);
 
  private:
   QWidget* buildSharingPage();
@@ -66,6 +71,7 @@ class PreferencesDialog : public QDialog {
   std::vector<ServiceField> services_;
   QLineEdit* netsKeyEdit_ = nullptr;
   QLabel* netsKeyState_ = nullptr;
+  QPlainTextEdit* watchList_ = nullptr;
 };
 
 }  // namespace tolvane::desktop

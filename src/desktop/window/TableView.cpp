@@ -1,9 +1,12 @@
 #include "desktop/window/TableView.h"
 
 #include <QApplication>
+#include <QColor>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -41,6 +44,7 @@ TableModel::TableModel(ui::Control& table, QObject* parent) : QAbstractTableMode
 void TableModel::fetch() {
   beginResetModel();
   cells_.clear();
+  marks_.clear();
   seenReloads_ = table_.reloadCount();
   seenColumns_ = table_.columns().size();
   if (ui::TableDataSource* source = table_.dataSource()) {
@@ -49,6 +53,7 @@ void TableModel::fetch() {
     for (int r = 0; r < rows; ++r) {
       auto& row = cells_[static_cast<std::size_t>(r)];
       for (const auto& col : table_.columns()) row.push_back(source->cellFor(table_, col.identifier, r));
+      marks_.push_back(source->rowMarks(table_, r));
     }
   }
   endResetModel();
@@ -107,8 +112,18 @@ int TableModel::columnCount(const QModelIndex& parent) const {
 QVariant TableModel::data(const QModelIndex& index, int role) const {
   const ui::Cell* c = cell(index.row(), index.column());
   if (!c) return {};
+  const std::string& marks = marks_[static_cast<std::size_t>(index.row())];
   switch (role) {
     case Qt::DisplayRole:
+      // A marked row shows a star before its first text.
+      if (!marks.empty() && c->kind == ui::CellKind::Text) {
+        bool first = true;
+        for (int col = 0; col < index.column() && first; ++col)
+          if (const ui::Cell* before = cell(index.row(), col); before && before->kind == ui::CellKind::Text)
+            first = false;
+        if (first) return QStringLiteral("\u2605 ") + q(c->text);
+      }
+      [[fallthrough]];
     case Qt::EditRole:
     case Qt::AccessibleTextRole:
       if (c->kind == ui::CellKind::PopUp) {
@@ -117,12 +132,19 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
       }
       return q(c->text);
     case Qt::ToolTipRole:
-      return c->kind == ui::CellKind::Link ? QVariant(q(c->address)) : QVariant();
+      if (c->kind == ui::CellKind::Link) return q(c->address);
+      return marks.empty() ? QVariant() : QVariant(q(marks));
     case Qt::AccessibleDescriptionRole: {
       // Asked of the data source now: the keys act on the row as it is now.
+      // The row's marks come first: "watched. Return tunes ...".
       const std::string keys = ui::rowKeysText(table_, index.row());
-      return keys.empty() ? QVariant() : QVariant(q(keys));
+      const std::string now = ui::rowMarks(table_, index.row());
+      const std::string text = now.empty() ? keys : keys.empty() ? now : now + ". " + keys;
+      return text.empty() ? QVariant() : QVariant(q(text));
     }
+    case Qt::BackgroundRole:
+      if (marks.empty()) return {};
+      return QVariant(QColor(255, 244, 204));
     case Qt::ForegroundRole:
       // A held table's cells are drawn as disabled: nothing in them can be changed now.
       if (table_.held()) return QVariant(QPalette().brush(QPalette::Disabled, QPalette::Text));
@@ -385,6 +407,19 @@ void TableView::keyPressEvent(QKeyEvent* event) {
     }
   }
   QTableView::keyPressEvent(event);
+}
+
+void TableView::contextMenuEvent(QContextMenuEvent* event) {
+  const int row = event->reason() == QContextMenuEvent::Mouse ? indexAt(event->pos()).row() : currentIndex().row();
+  const std::vector<std::string> titles = ui::rowMenu(model_.control(), row);
+  if (titles.empty()) return QTableView::contextMenuEvent(event);
+  QMenu menu(this);
+  for (std::size_t i = 0; i < titles.size(); ++i) menu.addAction(q(titles[i]))->setData(static_cast<int>(i));
+  const QPoint at = event->reason() == QContextMenuEvent::Mouse
+                        ? event->globalPos()
+                        : viewport()->mapToGlobal(visualRect(currentIndex()).center());
+  if (QAction* chosen = menu.exec(at)) ui::chooseInRowMenu(model_.control(), row, chosen->data().toInt());
+  event->accept();
 }
 
 void TableView::mouseReleaseEvent(QMouseEvent* event) {

@@ -75,6 +75,7 @@ class TableModel : public QAbstractTableModel {
   bool busy_ = false;                                        // inside a call to the data source
   bool deferred_ = false;                                    // a reload was asked for during that call
   std::vector<std::vector<std::optional<ui::Cell>>> cells_;  // [row][column]
+  std::vector<std::string> marks_;                           // [row]: "watched", ... or ""
 };
 
 class CellDelegate;
@@ -92,6 +93,8 @@ class TableView : public QTableView {
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  // A row's context menu ("Watch this station"), from the mouse or the Menu key.
+  void contextMenuEvent(QContextMenuEvent* event) override;
   // Pop-up cells get a live combo box of their own.
   void placeCellControls();
 
