@@ -43,9 +43,7 @@ std::string lowerAscii(std::string_view s) {
 }  // namespace
 
 std::string trimmed(std::string_view s) {
-  // Services put no-break spaces (U+00A0, "\xC2\xA0" in UTF-8) around names
-  // and references as well as plain blanks.
-  constexpr std::string_view kNoBreak = "\xC2\xA0";
+  constexpr std::string_view kNoBreak = "\xC2\xA0";  // U+00A0, which services put around names
   const char* space = " \t\r\n\v\f";
   for (;;) {
     const auto first = s.find_first_not_of(space);

@@ -347,6 +347,46 @@ TEST_F(WebListKeys, ReturnDuringARefreshTunesTheStationOnScreen) {
   EXPECT_EQ(rig.written(), "MD02;SF1E;FA021300000;SS0640000;");
 }
 
+// The filter bar's pop-ups are named by their labels; a watched row shows a
+// star before its call, keeps the call as its text and says "watched" first
+// in its description; a filter leaves the rows it lets through.
+TEST_F(WebListKeys, FilterBarNamesAndWatchedRows) {
+  for (const auto& [outlet, name] :
+       {std::pair{"potaBandFilter", "Band filter"}, std::pair{"potaModeFilter", "Mode filter"},
+        std::pair{"sotaBandFilter", "Band filter"}, std::pair{"netsRefreshEvery", "Refresh every"}}) {
+    QWidget* w = binder.widget(outlet);
+    ASSERT_NE(w, nullptr) << outlet;
+    EXPECT_EQ(w->accessibleName(), name);
+  }
+  auto* band = qobject_cast<QComboBox*>(binder.widget("potaBandFilter"));
+  ASSERT_NE(band, nullptr);
+  EXPECT_EQ(band->itemText(0), "All bands");
+  EXPECT_EQ(band->itemText(4), "40 m");
+
+  TableView* view = table("potaTable");
+  rig.at("spotsTab").selectIndex(0);
+  rig.c().setWatchList({"K2BBB*"});
+  QCoreApplication::processEvents();
+  const QModelIndex call = view->model()->index(1, 1);
+  EXPECT_EQ(call.data().toString(), QString::fromUtf8("\u2605 K2BBB"));
+  EXPECT_EQ(call.data(Qt::AccessibleTextRole).toString(), "K2BBB");
+  EXPECT_EQ(call.data(Qt::AccessibleDescriptionRole).toString(), "watched. Return tunes VFO A to 14.074 MHz, USB.");
+  EXPECT_EQ(view->model()->index(0, 1).data().toString(), "K1AAA");
+  EXPECT_FALSE(view->model()->index(0, 1).data(Qt::BackgroundRole).isValid());
+  EXPECT_TRUE(call.data(Qt::BackgroundRole).isValid());
+
+  // The band filter from the pop-up itself: 20 m leaves K2BBB alone, and Return tunes it.
+  band->setCurrentIndex(band->findText("20 m"));
+  emit band->activated(band->currentIndex());
+  QCoreApplication::processEvents();
+  ASSERT_EQ(view->model()->rowCount(), 1);
+  EXPECT_EQ(view->model()->index(0, 1).data(Qt::AccessibleTextRole).toString(), "K2BBB");
+  view->setFocus();
+  view->selectRow(0);
+  QTest::keyClick(view, Qt::Key_Return);
+  EXPECT_EQ(rig.written(), "MD02;SF1E;FA014074000;SS0640000;");
+}
+
 TEST_F(WebListKeys, OnTheNetsListCtrlReturnConfirmsAndDeleteWithdraws) {
   TableView* view = table("netsTable");
   rig.at("spotsTab").selectIndex(3);
