@@ -11,7 +11,7 @@ packages=(
   xvfb xauth fonts-dejavu-core clang-format clang libclang-rt-14-dev
   desktop-file-utils appstream
   libhamlib-utils qt6-httpserver-dev qt6-websockets-dev qtkeychain-qt6-dev
-  dbus-daemon dbus-bin at-spi2-core python3-dbus
+  dbus-daemon dbus-bin at-spi2-core python3-dbus python3-gi
 )
 
 missing=()
