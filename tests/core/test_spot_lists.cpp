@@ -5,7 +5,6 @@
 
 #include <chrono>
 
-#include "spots/SpotView.h"
 #include "spots/WebLists.h"
 #include "support/Harness.h"
 
@@ -270,7 +269,7 @@ TEST_F(SpotLists, RefreshEveryFetchesOnItsOwnAndBacksOffAfterFailures) {
   EXPECT_EQ(requestsAfter(30min), 0u);
 }
 
-TEST(SpotView, NoBreakSpacesAreTrimmedAndBackOffDoubles) {
+TEST(SpotView, NoBreakSpacesAreTrimmed) {
   EXPECT_EQ(spots::trimmed("\xC2\xA0 US-3844\xC2\xA0"), "US-3844");
   EXPECT_EQ(spots::trimmed(" \xC2\xA0\xC2\xA0"), "");
   EXPECT_EQ(spots::trimmed("Mount\xC2\xA0X"), "Mount\xC2\xA0X");
@@ -281,14 +280,6 @@ TEST(SpotView, NoBreakSpacesAreTrimmedAndBackOffDoubles) {
   ASSERT_EQ(d.rows.size(), 1u);
   EXPECT_EQ(d.rows[0][7], "North");
   EXPECT_EQ(d.rows[0][8], "4 pts");
-
-  EXPECT_EQ(spots::nextRefreshMinutes(1, 0), 1);
-  EXPECT_EQ(spots::nextRefreshMinutes(1, 3), 8);
-  EXPECT_EQ(spots::nextRefreshMinutes(5, 1), 10);
-  EXPECT_EQ(spots::nextRefreshMinutes(2, 40), 10);
-  EXPECT_EQ(spots::nextRefreshMinutes(0, 2), 0);
-  EXPECT_EQ(spots::shownOf(12, 40), "12 of 40 spots shown.");
-  EXPECT_EQ(spots::shownOf(0, 1), "0 of 1 spot shown.");
 }
 
 }  // namespace
