@@ -6,9 +6,11 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QHeaderView>
+#include <QMenu>
 #include <QMimeData>
 #include <QTest>
 #include <QTimer>
@@ -374,6 +376,24 @@ TEST_F(WebListKeys, FilterBarNamesAndWatchedRows) {
   EXPECT_EQ(view->model()->index(0, 1).data().toString(), "K1AAA");
   EXPECT_FALSE(view->model()->index(0, 1).data(Qt::BackgroundRole).isValid());
   EXPECT_TRUE(call.data(Qt::BackgroundRole).isValid());
+
+  // A right click on K1AAA's row offers "Watch this station", which adds it.
+  QString offered;
+  QTimer::singleShot(0, [&offered] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!menu || menu->actions().isEmpty()) return;
+    offered = menu->actions().front()->text();
+    menu->setActiveAction(menu->actions().front());
+    QTest::keyClick(menu, Qt::Key_Return);
+  });
+  const QPoint at = view->visualRect(view->model()->index(0, 1)).center();
+  QContextMenuEvent click(QContextMenuEvent::Mouse, at, view->viewport()->mapToGlobal(at));
+  QApplication::sendEvent(view->viewport(), &click);
+  EXPECT_EQ(offered, "Watch this station");
+  EXPECT_EQ(rig.c().watchList(), (std::vector<std::string>{"K2BBB*", "K1AAA"}));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(view->model()->index(0, 1).data(Qt::AccessibleDescriptionRole).toString(),
+            "watched. Return tunes VFO A to 7.185 MHz, LSB.");
 
   // The band filter from the pop-up itself: 20 m leaves K2BBB alone.
   band->setCurrentIndex(band->findText("20 m"));
