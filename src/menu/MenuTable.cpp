@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
+#include <charconv>
 
 namespace tolvane::menu {
 
@@ -74,10 +74,16 @@ constexpr Known kFilledAtStart[] = {
     {"040104", {0, 20, 1}, 10},    {"040105", {0, 20, 1}, 10},
 };
 
+// Decimal with leading zeros to the width. Built for every value of every
+// item when the table is first used, so without printf's format parsing.
 std::string padded(int value, int width) {
-  char buf[16];
-  std::snprintf(buf, sizeof buf, "%0*d", width, value);
-  return buf;
+  if (value < 0) return "-" + padded(-value, width - 1);
+  char digits[16];
+  const auto [end, ec] = std::to_chars(digits, digits + sizeof digits, value);
+  const auto n = static_cast<int>(end - digits);
+  std::string out(static_cast<std::size_t>(std::max(0, width - n)), '0');
+  out.append(digits, end);
+  return out;
 }
 
 std::vector<std::string> values(Range r, int width) {
