@@ -56,6 +56,11 @@ for _ in $(seq 1 300); do
 done
 grep -q '^trace title openCloseButton Connected ' "$work/stderr" ||
   fail "the installed program did not connect to the simulated transceiver: $(cat "$work/stderr")"
+# The settings file is written on the program's writer thread, just after the port opens.
+for _ in $(seq 1 50); do
+  grep -qsx 'defaultPort=Simulated transceiver' "$work/config/Tolvane/Tolvane.conf" && break
+  sleep 0.1
+done
 grep -qx 'defaultPort=Simulated transceiver' "$work/config/Tolvane/Tolvane.conf" ||
   fail "the opened port was not saved: $(cat "$work/config/Tolvane/Tolvane.conf" 2>&1)"
 echo "installed into $prefix and started"

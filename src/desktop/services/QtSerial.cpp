@@ -289,12 +289,20 @@ QtPortManager::QtPortManager(QObject* parent)
   // The monitor starts first, so that no port plugged in meanwhile is missed.
   monitor_ = std::make_unique<UdevMonitor>(
       "tty", [this](const std::string& action, const std::string& sysname) { deviceEvent(action, sysname); });
+}
+
+// The list read while the application and its window were built is taken
+// when first needed, so building them does not wait for it.
+void QtPortManager::takePrefetchedList() {
+  if (listTaken_) return;
+  listTaken_ = true;
   auto& prefetched = prefetchedNames();
   systemNames_ = prefetched.valid() ? prefetched.get() : systemPortNames();
   for (const QString& n : systemNames_) portFor(n);
 }
 
 const std::vector<QString>& QtPortManager::systemPorts() {
+  takePrefetchedList();
   if (!watchingHotPlug()) systemNames_ = systemPortNames();
   return systemNames_;
 }
@@ -357,6 +365,7 @@ std::vector<platform::SerialPortPtr> QtPortManager::availablePorts() {
 void QtPortManager::deviceEvent(const std::string& action, const std::string& sysname) {
   // udev reports every tty; only those the serial-port list knows are ports.
   const QString name = QString::fromStdString(sysname);
+  takePrefetchedList();
   if (action == "add") {
     systemNames_ = systemPortNames();
     if (std::find(systemNames_.begin(), systemNames_.end(), name) == systemNames_.end()) return;

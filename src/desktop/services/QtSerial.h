@@ -131,7 +131,9 @@ class QtPortManager : public QObject, public platform::PortManager {
   const std::vector<QString>& systemPorts();
 
   std::map<QString, platform::SerialPortPtr> ports_;
+  void takePrefetchedList();
   std::vector<QString> systemNames_;
+  bool listTaken_ = false;
   std::vector<QString> extra_;
   std::map<QString, QString> extraTarget_;
   QTimer* extraTimer_ = nullptr;

@@ -18,6 +18,8 @@
 #include <QPushButton>
 #include <QSaveFile>
 #include <QSettings>
+#include <QSslConfiguration>
+#include <QSslSocket>
 #include <QStandardPaths>
 #include <QTextToSpeech>
 #include <QTimer>
@@ -37,18 +39,55 @@ void QtScheduler::after(platform::Duration delay, std::function<void()> task) {
 
 // ---------------------------------------------------------------- settings
 
-QtSettingsStore::QtSettingsStore() : settings_(std::make_unique<QSettings>("Tolvane", "Tolvane")) {}
-QtSettingsStore::~QtSettingsStore() = default;
+QtSettingsStore::QtSettingsStore()
+    : settings_(std::make_unique<QSettings>("Tolvane", "Tolvane")), writer_([this] { write(); }) {}
+
+QtSettingsStore::~QtSettingsStore() {
+  {
+    std::lock_guard lock(mutex_);
+    stop_ = true;
+  }
+  wake_.notify_one();
+  writer_.join();
+}
 
 std::optional<std::string> QtSettingsStore::value(const std::string& key) const {
+  if (auto it = changed_.find(key); it != changed_.end()) return it->second;
   const QString k = QString::fromStdString(key);
   if (!settings_->contains(k)) return std::nullopt;
   return settings_->value(k).toString().toStdString();
 }
 
 void QtSettingsStore::setValue(const std::string& key, const std::string& value) {
-  settings_->setValue(QString::fromStdString(key), QString::fromStdString(value));
-  settings_->sync();
+  changed_[key] = value;
+  {
+    std::lock_guard lock(mutex_);
+    pending_.emplace_back(key, value);
+  }
+  wake_.notify_one();
+}
+
+void QtSettingsStore::flush() {
+  std::unique_lock lock(mutex_);
+  written_.wait(lock, [this] { return pending_.empty() && !writing_; });
+}
+
+void QtSettingsStore::write() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    wake_.wait(lock, [this] { return stop_ || !pending_.empty(); });
+    if (pending_.empty()) return;  // stopped with everything written
+    auto batch = std::move(pending_);
+    pending_.clear();
+    writing_ = true;
+    lock.unlock();
+    QSettings file("Tolvane", "Tolvane");
+    for (const auto& [key, value] : batch) file.setValue(QString::fromStdString(key), QString::fromStdString(value));
+    file.sync();
+    lock.lock();
+    writing_ = false;
+    written_.notify_all();
+  }
 }
 
 // ---------------------------------------------------------------- speech
@@ -104,12 +143,18 @@ const QString kService = QStringLiteral("org.freedesktop.Notifications");
 const QString kPath = QStringLiteral("/org/freedesktop/Notifications");
 }  // namespace
 
-QtNotifications::QtNotifications(QObject* parent) : QObject(parent) {
+// The session bus is first reached with the first notification: connecting
+// to it (or failing to) is no work for the program's start.
+QtNotifications::QtNotifications(QObject* parent) : QObject(parent) {}
+
+bool QtNotifications::busReady() {
+  if (available_) return *available_;
   QDBusConnection bus = QDBusConnection::sessionBus();
   available_ = bus.isConnected();
-  if (!available_) return;
+  if (!*available_) return false;
   bus.connect(kService, kPath, kService, QStringLiteral("ActionInvoked"), this, SLOT(actionInvoked(uint, QString)));
   bus.connect(kService, kPath, kService, QStringLiteral("NotificationClosed"), this, SLOT(closed(uint, uint)));
+  return true;
 }
 
 std::uint32_t QtNotifications::deliver(const std::string& title, const std::string& text) {
@@ -132,7 +177,7 @@ void QtNotifications::closed(uint serverId, uint) { clicks_.erase(serverId); }
 
 std::uint32_t QtNotifications::notify(const std::string& title, const std::string& text,
                                       std::function<void()> clicked) {
-  if (!available_) return 0;
+  if (!busReady()) return 0;
   const std::uint32_t id = nextId_++;
   QDBusMessage msg = QDBusMessage::createMethodCall(kService, kPath, kService, QStringLiteral("Notify"));
   // "default" is the action of a click on the notification itself.
@@ -175,6 +220,19 @@ void QtNotifications::remove(std::uint32_t id) {
 // ---------------------------------------------------------------- HTTP
 
 QtHttpClient::QtHttpClient(QObject* parent) : QObject(parent), nam_(new QNetworkAccessManager(this)) {}
+
+void QtHttpClient::loadTlsInBackground() {
+#if QT_CONFIG(ssl)
+  if (tlsLoaded_.valid()) return;
+  tlsLoaded_ = std::async(std::launch::async, [] {
+    if (QSslSocket::supportsSsl()) QSslConfiguration::defaultConfiguration();
+  });
+#endif
+}
+
+QtHttpClient::~QtHttpClient() {
+  if (tlsLoaded_.valid()) tlsLoaded_.wait();
+}
 
 void QtHttpClient::send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) {
   QNetworkRequest req(QUrl(QString::fromStdString(request.url)));

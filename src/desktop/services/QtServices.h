@@ -4,9 +4,16 @@
 
 #include <QObject>
 #include <QPointer>
+#include <condition_variable>
 #include <deque>
+#include <future>
 #include <map>
 #include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
 
 #include "platform/Platform.h"
 
@@ -28,15 +35,30 @@ class QtScheduler : public platform::Scheduler {
 };
 
 // QSettings under organisation and application "Tolvane"; string values.
+// A value set is read back at once; it reaches the file on a writer thread,
+// because saving the file ends with an fsync that can hold the event loop for
+// tens of milliseconds on a busy disk. The writer keeps the order of the
+// changes, and the store waits for it when it is destroyed.
 class QtSettingsStore : public platform::SettingsStore {
  public:
   QtSettingsStore();
   ~QtSettingsStore() override;
   std::optional<std::string> value(const std::string& key) const override;
   void setValue(const std::string& key, const std::string& value) override;
+  // Returns once every value set so far is in the file.
+  void flush();
 
  private:
-  std::unique_ptr<QSettings> settings_;
+  void write();
+
+  std::unique_ptr<QSettings> settings_;  // the file as it was at start, read only
+  std::map<std::string, std::string> changed_;
+  std::mutex mutex_;
+  std::condition_variable wake_, written_;
+  std::deque<std::pair<std::string, std::string>> pending_;
+  bool writing_ = false;
+  bool stop_ = false;
+  std::thread writer_;
 };
 
 // QTextToSpeech on a US English voice. Its say() cuts off the current
@@ -81,8 +103,9 @@ class QtNotifications : public QObject, public platform::Notifications {
 
  private:
   std::uint32_t notify(const std::string& title, const std::string& text, std::function<void()> clicked);
+  bool busReady();
 
-  bool available_ = false;
+  std::optional<bool> available_;                          // whether the session bus answered, once asked
   std::map<std::uint32_t, std::function<void()>> clicks_;  // server's id -> what a click does
   std::uint32_t nextId_ = 1;
   std::map<std::uint32_t, std::uint32_t> serverIds_;  // ours -> server's
@@ -93,10 +116,18 @@ class QtHttpClient : public QObject, public platform::HttpClient {
   Q_OBJECT
  public:
   explicit QtHttpClient(QObject* parent = nullptr);
+  ~QtHttpClient() override;
   void send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) override;
+  // The first https request of a run loads the TLS back end (a plug-in, the
+  // OpenSSL libraries and their configuration): tens of milliseconds that the
+  // set-up routine's first fetch would spend before the window is on screen.
+  // This starts loading it on a worker thread; a request sent before that is
+  // done waits for it inside Qt, as it would have anyway.
+  void loadTlsInBackground();
 
  private:
   QNetworkAccessManager* nam_;
+  std::future<void> tlsLoaded_;
 };
 
 class QtBrowser : public platform::Browser {
