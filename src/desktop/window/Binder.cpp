@@ -193,9 +193,12 @@ Binder::Binder(ui::Window& model, QObject* parent) : QObject(parent), model_(mod
 }
 
 bool Binder::deferred(const ui::Control& c) {
-  // Controls on the pages of a tab view inside a page (the settings pages)
-  // are many and rarely all seen: they are made when first asked for.
-  return c.tabView() && c.tabView()->tabView() && c.kind() != ui::Kind::MenuItem;
+  // Only the page the program starts on is made with the binder, so the
+  // first frame waits for nothing else. Controls on the other pages, and on
+  // the pages of a tab view inside a page (the settings pages, many and
+  // rarely all seen), are made when first asked for.
+  if (!c.tabView() || c.kind() == ui::Kind::MenuItem) return false;
+  return c.tabView()->tabView() || c.page() != kStartPage;
 }
 
 bool Binder::hasWidget(const std::string& outlet) const {

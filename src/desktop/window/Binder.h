@@ -15,6 +15,7 @@
 #include <map>
 #include <string>
 
+#include "app/WindowLayout.h"
 #include "ui/Controls.h"
 
 class QAction;
@@ -42,6 +43,8 @@ class Binder : public QObject {
   // Whether the widget of a control exists yet. Controls on the pages of a
   // nested tab view get their widget when widget() first asks for it.
   bool hasWidget(const std::string& outlet) const;
+  // The page of the main tab view shown at start; its widgets are made at once.
+  static constexpr int kStartPage = kPageConnection;
   static bool deferred(const ui::Control& control);
   // The menu action of a menu-item control.
   QAction* action(const std::string& outlet) const;

@@ -19,6 +19,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 #include <memory>
 
 #include "app/WindowLayout.h"
@@ -73,25 +74,52 @@ MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), b
   tabs->setDocumentMode(true);
 
   buildMenus();
+  // The first frame shows the start page only, so only it is built now. Each
+  // other page is built when it is first shown, or before that in the event
+  // loop's turns after the first frame, one page a turn.
   const ui::Control& main = binder_.model().at("mainTab");
   for (int i = 0; i < static_cast<int>(main.entries().size()); ++i) {
     QWidget* page = tabs->widget(i);
     if (!page) continue;
-    pageTab_ = "mainTab";
-    pageIndex_ = i;
-    if (i == kPageConnection)
-      buildConnectionPage(page);
-    else if (i == kPageOperate)
-      buildOperatePage(page);
-    else if (i == kPageMessages)
-      buildMessagesPage(page);
-    else if (i == kPageSettings)
-      buildSettingsPage(page);
-    else
-      buildGenericPage(page, "mainTab", i);
+    if (i == Binder::kStartPage) {
+      buildPage(i);
+      continue;
+    }
+    auto* watcher = new FirstShow(page, [this, i] { buildPage(i); });
+    page->installEventFilter(watcher);
+    waiting_.push_back(watcher);
+  }
+  binder_.repaintAll();
+}
+
+void MainWindow::buildPage(int index) {
+  QWidget* page = binder_.widgetAs<QTabWidget>("mainTab")->widget(index);
+  pageTab_ = "mainTab";
+  pageIndex_ = index;
+  if (index == kPageConnection)
+    buildConnectionPage(page);
+  else if (index == kPageOperate)
+    buildOperatePage(page);
+  else if (index == kPageMessages)
+    buildMessagesPage(page);
+  else if (index == kPageSettings)
+    buildSettingsPage(page);
+  else
+    buildGenericPage(page, "mainTab", index);
+  // Built while it is being shown: what the build put on the page is shown
+  // with it, not a turn of the event loop later.
+  if (page->isVisible()) {
+    for (QWidget* child : page->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+      if (!child->testAttribute(Qt::WA_WState_ExplicitShowHide)) child->show();
   }
   fixFocusOrder();
-  binder_.repaintAll();
+}
+
+void MainWindow::buildNextWaitingPage() {
+  auto next = std::find_if(waiting_.begin(), waiting_.end(), [](FirstShow* f) { return f->pending(); });
+  if (next == waiting_.end()) return;
+  (*next)->fire();
+  QTimer::singleShot(0, this, [this] { buildNextWaitingPage(); });
 }
 
 bool MainWindow::event(QEvent* e) {
@@ -101,7 +129,10 @@ bool MainWindow::event(QEvent* e) {
   // takes its next event: that is when the window is first seen.
   if (!painted_ && e->type() == QEvent::Paint && windowHandle() && windowHandle()->isExposed()) {
     painted_ = true;
-    QTimer::singleShot(0, this, [this] { emit firstPainted(); });
+    QTimer::singleShot(0, this, [this] {
+      emit firstPainted();
+      buildNextWaitingPage();
+    });
   }
   return handled;
 }
@@ -116,10 +147,12 @@ std::vector<std::string> MainWindow::unplacedOutlets() const {
 }
 
 QWidget* MainWindow::take(const std::string& outlet) {
-  QWidget* w = binder_.widget(outlet);
+  // The page is checked first: asking the binder makes a waiting page's widget.
   const ui::Control* c = binder_.model().find(outlet);
-  if (!w || !c || placed_.count(outlet)) return nullptr;
+  if (!c || placed_.count(outlet)) return nullptr;
   if (!c->tabView() || c->tabView()->outlet() != pageTab_ || c->page() != pageIndex_) return nullptr;
+  QWidget* w = binder_.widget(outlet);
+  if (!w) return nullptr;
   placed_.insert(outlet);
   if (w->focusPolicy() != Qt::NoFocus) focusOrder_.push_back(w);
   return w;

@@ -26,6 +26,7 @@ class FirstShow : public QObject {
  public:
   FirstShow(QObject* parent, std::function<void()> build);
   void fire();
+  bool pending() const { return static_cast<bool>(build_); }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -48,7 +49,8 @@ class MainWindow : public QMainWindow {
   std::vector<std::string> unplacedOutlets() const;
   // Adds a section below the radio link on the Connection page.
   void addConnectionSection(QWidget* section);
-  // Builds the pages that wait to be shown first (the radio's menu pages).
+  // Builds the pages that wait to be shown first (the pages other than the
+  // one shown at start, and the radio's menu pages).
   void buildAllPages();
 
  signals:
@@ -72,6 +74,8 @@ class MainWindow : public QMainWindow {
 
   static QWidget* scrollingContent(QWidget* page);
   static std::vector<std::string> range(const std::string& prefix, int from, int to, const std::string& suffix);
+  void buildPage(int index);
+  void buildNextWaitingPage();
   void buildMenus();
   void showAbout();
   void focusFrequencyField();
@@ -92,6 +96,8 @@ class MainWindow : public QMainWindow {
   std::set<std::string> placed_;
   std::vector<QWidget*> focusOrder_;
   bool painted_ = false;
+  // Pages of the main tab view not built yet, in tab order.
+  std::vector<FirstShow*> waiting_;
   QBoxLayout* connectionLayout_ = nullptr;
 };
 

@@ -94,7 +94,15 @@ void MainWindow::buildSettingsPage(QWidget* page) {
 }
 
 void MainWindow::buildAllPages() {
-  for (FirstShow* f : findChildren<FirstShow*>()) f->fire();
+  // A page built here may bring pages of its own that wait (the menu pages).
+  for (bool fired = true; fired;) {
+    fired = false;
+    for (FirstShow* f : findChildren<FirstShow*>()) {
+      if (!f->pending()) continue;
+      f->fire();
+      fired = true;
+    }
+  }
 }
 
 // One page of the radio's menu: the read button and a filter on top, then the
