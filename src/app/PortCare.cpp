@@ -40,6 +40,12 @@ void SerialPortDemoController::startConnection(bool commandLineConnect) {
   openOrClosePort();
 }
 
+bool SerialPortDemoController::chooseSimulatorUnlessRadioRemembered(const std::string& simulatorTitle) {
+  const std::string remembered = sv_.settings.value("defaultPort").value_or("");
+  if (!remembered.empty() && remembered != simulatorTitle) return false;
+  return choosePort(simulatorTitle);
+}
+
 void SerialPortDemoController::toggleConnectAtStart() {
   const bool on = sv_.settings.value("connectAtStart").value_or("0") != "1";
   sv_.settings.setValue("connectAtStart", on ? "1" : "0");

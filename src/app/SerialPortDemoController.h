@@ -68,6 +68,11 @@ class SerialPortDemoController : public platform::SerialPortListener,
   // At start: opens the chosen port when the command line asks for it or the
   // "Connect at start" preference is on.
   void startConnection(bool commandLineConnect);
+  // At start, for a first look at the program: when no radio's port is
+  // remembered (none, or the simulator's own title), chooses the simulator's
+  // port and returns true so the caller opens it. A remembered radio stays
+  // chosen as the set-up routine left it, and false is returned.
+  bool chooseSimulatorUnlessRadioRemembered(const std::string& simulatorTitle);
   void toggleConnectAtStart();
   void updateWindowTitle();
   // Whether a port that went away while open is awaited, to be reopened.

@@ -21,6 +21,9 @@ Options parseCommandLine(const QStringList& arguments) {
                                                "ttyUSB0, or a device path)."),
                                 QStringLiteral("NAME"));
   const QCommandLineOption connect(QStringLiteral("connect"), QStringLiteral("Open the selected port at start."));
+  const QCommandLineOption trySimulator(
+      QStringLiteral("try-simulator"),
+      QStringLiteral("Open the simulated transceiver at start, unless a radio's port is remembered."));
   const QCommandLineOption list(QStringLiteral("list-ports"), QStringLiteral("Print the available ports and exit."));
   const QCommandLineOption rigctld(QStringLiteral("rigctld-port"),
                                    QStringLiteral("Serve the rigctld protocol on TCP port N (0: off)."),
@@ -41,6 +44,7 @@ Options parseCommandLine(const QStringList& arguments) {
       QStringLiteral("NAME=URL"));
   parser.addOption(port);
   parser.addOption(connect);
+  parser.addOption(trySimulator);
   parser.addOption(list);
   parser.addOption(rigctld);
   parser.addOption(flrig);
@@ -58,6 +62,7 @@ Options parseCommandLine(const QStringList& arguments) {
   Options o;
   o.port = parser.value(port);
   o.connect = parser.isSet(connect);
+  o.trySimulator = parser.isSet(trySimulator);
   o.listPorts = parser.isSet(list);
   auto portValue = [&parser](const QCommandLineOption& option, const char* name) {
     if (!parser.isSet(option)) return -1;

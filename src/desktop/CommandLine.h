@@ -13,6 +13,8 @@ namespace tolvane::desktop {
 struct Options {
   QString port;  // a port title, system name or device path; empty: the saved choice
   bool connect = false;
+  // --try-simulator: open the simulated transceiver unless a radio's port is remembered.
+  bool trySimulator = false;
   bool listPorts = false;
   // Rig sharing for this run: -1 keeps the preference, 0 turns a server off.
   int rigctldPort = -1;

@@ -159,6 +159,45 @@ TEST(PortCare, TheCommandLineConnectsWithThePreferenceOff) {
   EXPECT_FALSE(none.port->isOpen());
 }
 
+// The run command's first look: the simulator is chosen when no radio's port
+// is remembered, and again after it was the port last opened; a radio opened
+// once stays the choice.
+TEST(PortCare, TheSimulatorIsChosenAtStartUnlessARadioIsRemembered) {
+  auto offerSimulator = [](Rig& rig) {
+    auto sim = std::make_shared<FakeSerialPort>("sim", "Simulated transceiver", &rig.scheduler);
+    rig.ports.ports.push_back(sim);
+    rig.c().refreshPortList();
+    return sim;
+  };
+  Rig first;
+  auto sim = offerSimulator(first);
+  ASSERT_TRUE(first.c().chooseSimulatorUnlessRadioRemembered("Simulated transceiver"));
+  EXPECT_EQ(first.at("PortPopUpButton").titleOfSelectedItem(), "Simulated transceiver");
+  first.c().startConnection(true);
+  EXPECT_TRUE(sim->isOpen());
+  EXPECT_EQ(first.settings.values["defaultPort"], "Simulated transceiver");
+
+  Rig again;
+  again.settings = first.settings;
+  offerSimulator(again);
+  again.c().setUpRoutine();
+  EXPECT_TRUE(again.c().chooseSimulatorUnlessRadioRemembered("Simulated transceiver"));
+  EXPECT_EQ(again.at("PortPopUpButton").titleOfSelectedItem(), "Simulated transceiver");
+
+  Rig radio;
+  radio.settings.values["defaultPort"] = "USB Serial";
+  offerSimulator(radio);
+  radio.c().setUpRoutine();
+  EXPECT_FALSE(radio.c().chooseSimulatorUnlessRadioRemembered("Simulated transceiver"));
+  EXPECT_EQ(radio.at("PortPopUpButton").titleOfSelectedItem(), "USB Serial");
+  // A remembered radio that is not plugged in leaves the choice to the operator.
+  Rig unplugged;
+  unplugged.settings.values["defaultPort"] = "ttyUSB7";
+  offerSimulator(unplugged);
+  EXPECT_FALSE(unplugged.c().chooseSimulatorUnlessRadioRemembered("Simulated transceiver"));
+  EXPECT_EQ(unplugged.at("PortPopUpButton").selectedIndex(), -1);
+}
+
 TEST(PortCare, TheMenuShowsTheSavedConnectAtStart) {
   Rig rig;
   rig.settings.values["connectAtStart"] = "1";
