@@ -24,6 +24,7 @@
 #include "desktop/window/PreferencesDialog.h"
 #include "desktop/window/SharingPanel.h"
 #include "share/ControllerRig.h"
+#include "spots/WebLists.h"
 #include "ui/Table.h"
 #ifdef TOLVANE_HAVE_SIM
 #include "sim/PortManagerWithSimulator.h"
@@ -44,6 +45,13 @@ std::int64_t monotonicNs() {
 // every event-loop stall longer than 20 ms. Standard input then takes the
 // tests' gestures (desktop/TraceDriver.h).
 bool tracing() { return qEnvironmentVariableIsSet("TOLVANE_TRACE"); }
+
+// A start-up step done, for the benchmark's account of where the time to the
+// first frame goes.
+void step(const char* name) {
+  static const bool on = tracing();
+  if (on) std::fprintf(stderr, "trace step %s %lld\n", name, static_cast<long long>(monotonicNs()));
+}
 
 void watchStalls(QObject* context) {
   auto* timer = new QTimer(context);
@@ -88,6 +96,7 @@ int main(int argc, char** argv) {
   QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
   // Ties the window to its launcher, so the desktop shows the program's name and icon.
   QGuiApplication::setDesktopFileName(QString::fromLatin1(desktop::kApplicationId));
+  step("application");
   const desktop::Options options = desktop::parseCommandLine(QCoreApplication::arguments());
 
   QObject root;
@@ -100,6 +109,7 @@ int main(int argc, char** argv) {
   platform::PortManager& ports = systemPorts;
 #endif
 
+  step("ports");
   if (options.listPorts) {
     for (const auto& p : ports.availablePorts()) std::printf("%s\n", p->description().c_str());
     return 0;
@@ -115,12 +125,16 @@ int main(int argc, char** argv) {
   desktop::StdoutLog log;
   desktop::QtFiles files;
   platform::Services services{ports, scheduler, settings, speech, sounds, notifications, http, browser, alerts, log};
+  step("services");
 
   ui::Window model;
   buildWindow(model);
   SerialPortDemoController controller(services, model);
+  step("controller");
   desktop::Binder binder(model);
+  step("widgets");
   desktop::MainWindow window(binder);
+  step("pages");
   alerts.setParent(&window);
   files.setParent(&window);
   controller.setFiles(&files);
@@ -155,6 +169,12 @@ int main(int argc, char** argv) {
 
   // Before the start-up fetches, which read the addresses.
   for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
+  for (const spots::Service& s : spots::kServices) {
+    if (controller.serviceAddress(s.name).starts_with("https:")) {
+      http.loadTlsInBackground();
+      break;
+    }
+  }
   controller.awakeFromNib();
   if (!options.port.isEmpty()) {
     bool found = false;
@@ -167,7 +187,14 @@ int main(int argc, char** argv) {
     }
     if (!found) std::fprintf(stderr, "tolvane: no port named %s\n", qPrintable(options.port));
   }
+  bool connectNow = options.connect;
+#ifdef TOLVANE_HAVE_SIM
+  // The run command's first look at the program: a working radio at once.
+  if (options.trySimulator && options.port.isEmpty())
+    connectNow = controller.chooseSimulatorUnlessRadioRemembered(ports.simulator()->description()) || connectNow;
+#endif
   controller.applicationDidFinishLaunching();
+  step("set-up");
 
   // Rig sharing: both servers start with the program, on the preferences'
   // address and ports unless the command line says otherwise for this run.
@@ -206,9 +233,11 @@ int main(int argc, char** argv) {
     dialog->open();
   });
 
+  step("sharing");
   window.show();
+  step("show");
   // Connecting for the operator, once the window is up: asked by --connect or
   // by the "Connect at start" preference.
-  QTimer::singleShot(0, &window, [&controller, &options] { controller.startConnection(options.connect); });
+  QTimer::singleShot(0, &window, [&controller, connectNow] { controller.startConnection(connectNow); });
   return app->exec();
 }
