@@ -139,7 +139,9 @@ def poller(port, stop, results):
         next_at = time.monotonic()
         while not stop.is_set():
             s.sendall(b"f\nm\n")
-            f.readline(), f.readline(), f.readline()
+            f.readline()  # the frequency, or "RPRT -11" before the radio has reported
+            if not f.readline().startswith(b"RPRT"):
+                f.readline()  # the mode's passband
             trips += 1
             next_at += 0.1
             time.sleep(max(0.0, next_at - time.monotonic()))

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "app/SerialPortDemoController.h"
 #include "app/WindowLayout.h"
@@ -236,8 +237,15 @@ int main(int argc, char** argv) {
   step("sharing");
   window.show();
   step("show");
-  // Connecting for the operator, once the window is up: asked by --connect or
-  // by the "Connect at start" preference.
-  QTimer::singleShot(0, &window, [&controller, connectNow] { controller.startConnection(connectNow); });
+  // Connecting for the operator, once the window is on screen (opening the
+  // port takes tens of milliseconds the first frame should not wait for):
+  // asked by --connect or by the "Connect at start" preference. A window that
+  // is not painted (started minimised) connects after a second all the same.
+  auto connectOnce = [&controller, connectNow, done = std::make_shared<bool>(false)] {
+    if (std::exchange(*done, true)) return;
+    controller.startConnection(connectNow);
+  };
+  QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, connectOnce, Qt::QueuedConnection);
+  QTimer::singleShot(1000, &window, connectOnce);
   return app->exec();
 }

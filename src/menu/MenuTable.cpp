@@ -77,11 +77,14 @@ constexpr Known kFilledAtStart[] = {
 // Decimal with leading zeros to the width. Built for every value of every
 // item when the table is first used, so without printf's format parsing.
 std::string padded(int value, int width) {
-  if (value < 0) return "-" + padded(-value, width - 1);
+  const bool negative = value < 0;
+  const unsigned magnitude = negative ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
   char digits[16];
-  const auto [end, ec] = std::to_chars(digits, digits + sizeof digits, value);
-  const auto n = static_cast<int>(end - digits);
-  std::string out(static_cast<std::size_t>(std::max(0, width - n)), '0');
+  const auto [end, ec] = std::to_chars(digits, digits + sizeof digits, magnitude);
+  const int n = static_cast<int>(end - digits) + (negative ? 1 : 0);
+  std::string out;
+  if (negative) out += '-';  // as printf's "%0*d": the sign first, counted in the width
+  out.append(static_cast<std::size_t>(std::max(0, width - n)), '0');
   out.append(digits, end);
   return out;
 }

@@ -48,6 +48,16 @@ void QtSerialPort::setBaudRate(std::int64_t baud) {
   if (port_.isOpen()) port_.setBaudRate(static_cast<qint32>(baud));
 }
 
+namespace {
+
+std::string lookUpSerialNumber(const QString& location) {
+  const QSerialPortInfo info(location.startsWith(QLatin1Char('/')) ? QFileInfo(location).canonicalFilePath()
+                                                                   : location);
+  return info.serialNumber().toStdString();
+}
+
+}  // namespace
+
 void QtSerialPort::open(const platform::SerialSettings& s) {
   if (port_.isOpen()) return;
   baud_ = s.baudRate;
@@ -58,7 +68,9 @@ void QtSerialPort::open(const platform::SerialSettings& s) {
   port_.setStopBits(s.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   port_.setFlowControl(s.rtsCts ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
   ioErrorReported_ = false;
-  serialNumber();  // kept for recognising the device if it is unplugged and comes back
+  // Kept for recognising the device if it is unplugged and comes back.
+  if (serial_.empty() && !serialLookup_.valid())
+    serialLookup_ = std::async(std::launch::async, [location = location_] { return lookUpSerialNumber(location); });
   if (!port_.open(QIODevice::ReadWrite)) {
     const platform::OpenFailure failure = explainFailure(port_.error(), port_.errorString());
     port_.clearError();
@@ -92,11 +104,8 @@ QString QtSerialPort::devicePath() const {
 }
 
 std::string QtSerialPort::serialNumber() const {
-  if (serial_.empty()) {
-    const QSerialPortInfo info(location_.startsWith(QLatin1Char('/')) ? QFileInfo(location_).canonicalFilePath()
-                                                                      : location_);
-    serial_ = info.serialNumber().toStdString();
-  }
+  if (serialLookup_.valid()) serial_ = serialLookup_.get();
+  if (serial_.empty()) serial_ = lookUpSerialNumber(location_);
   return serial_;
 }
 

@@ -6,6 +6,7 @@
 #include <QSerialPort>
 #include <QTimer>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <optional>
@@ -63,6 +64,11 @@ class QtSerialPort : public QObject, public platform::SerialPort {
   std::int64_t baud_ = 38400;
   bool removed_ = false;
   mutable std::string serial_;  // read while the device is present, kept after it goes
+  // The serial number looked up when the port opens. QSerialPortInfo finds a
+  // port by walking the whole list of the system's ports, tens of
+  // milliseconds, so the lookup runs on a worker thread and is taken when the
+  // number is first asked for.
+  mutable std::future<std::string> serialLookup_;
   platform::SerialPortListener* listener_ = nullptr;
   std::function<bool()> present_;
   bool ioErrorReported_ = false;

@@ -119,7 +119,12 @@ void MainWindow::buildNextWaitingPage() {
   auto next = std::find_if(waiting_.begin(), waiting_.end(), [](FirstShow* f) { return f->pending(); });
   if (next == waiting_.end()) return;
   (*next)->fire();
-  QTimer::singleShot(0, this, [this] { buildNextWaitingPage(); });
+  // The style's polish of the new widgets, done when a page is first shown,
+  // gets a turn of its own now, so showing the page later costs less.
+  QTimer::singleShot(0, this, [this, page = qobject_cast<QWidget*>((*next)->parent())] {
+    if (page) page->ensurePolished();
+    QTimer::singleShot(0, this, [this] { buildNextWaitingPage(); });
+  });
 }
 
 bool MainWindow::event(QEvent* e) {
