@@ -49,8 +49,8 @@ void SerialPortDemoController::setUpMessageBox(char modeCode) {
     if (ui::Control* c = control(outlet)) c->setEnabled(bank.has_value());
   if (ui::Control* send = control("sendTextMemoryButton")) send->setBezel(bank ? ui::Bezel::Blue : ui::Bezel::DarkGray);
   if (ui::Control* box = control("sendBox")) {
-    if (bank) box->setTitle(keyer::sendBoxTitle(*bank));
-    // A disabled box keeps its title but draws it grey.
+    // Outside the message modes the box is the idle keyer: its own title, drawn grey.
+    box->setTitle(bank ? keyer::sendBoxTitle(*bank) : "Keyer / Encoder");
     box->setEnabled(bank.has_value());
   }
 }

@@ -132,7 +132,7 @@ def drive(wire):
         return None
 
     root = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
-    table = wait("the POTA table is on the bus", lambda: find(root, "table", "Pota table"))
+    table = wait("the POTA table is on the bus", lambda: find(root, "table", "POTA spots"))
     # On a loaded machine the answer may miss the list's two-second wait at
     # start; the Refresh button beside the table (pressed over the bus) fetches again.
     for attempt in range(4):
@@ -141,7 +141,7 @@ def drive(wire):
             time.sleep(0.2)
         if int(prop(table, "org.a11y.atspi.Table", "NRows")) == 1:
             break
-        refresh = find(root, "push button", "Pota refresh")
+        refresh = find(root, "push button", "Refresh POTA spots")
         if not refresh:
             fail("the POTA list's Refresh button")
         node(refresh).DoAction(0, dbus_interface="org.a11y.atspi.Action")
