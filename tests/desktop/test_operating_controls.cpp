@@ -125,7 +125,7 @@ TEST_F(OperatingPanel, AssistiveTechnologiesReadStatesNamesAndValues) {
   EXPECT_EQ(iface("swapAButton")->text(QAccessible::Name), "Swap VFOs, then show A");
   EXPECT_EQ(iface("swapBButton")->text(QAccessible::Name), "Swap VFOs, then show B");
   EXPECT_EQ(iface("modeFButton")->text(QAccessible::Name), "Mode F");
-  EXPECT_EQ(iface("modeUSBButton")->text(QAccessible::Name), "Mode USB");
+  EXPECT_EQ(iface("modeUSBButton")->text(QAccessible::Name), "USB");
   // No name says the same word twice in a row.
   for (const auto& c : rig.window.controls()) {
     const QStringList words = accessibleNameFor(*c).split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -135,8 +135,9 @@ TEST_F(OperatingPanel, AssistiveTechnologiesReadStatesNamesAndValues) {
   rig.receive("FA014150000;");
   QAccessibleInterface* licence = iface("licenseClassButton");
   EXPECT_EQ(licence->role(), QAccessible::StaticText);
-  EXPECT_EQ(licence->text(QAccessible::Name), "Licence class");
-  EXPECT_EQ(licence->text(QAccessible::Description), "Extra");
+  // The indicator's words are its name; what it indicates, its description.
+  EXPECT_EQ(licence->text(QAccessible::Name), "Extra");
+  EXPECT_EQ(licence->text(QAccessible::Description), "Licence class for the frequency");
   if (QAccessibleActionInterface* actions = licence->actionInterface()) {
     EXPECT_FALSE(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
   }

@@ -1,7 +1,19 @@
-// The names a screen reader speaks for the window's controls: a table of the
-// controls that need words of their own, rules for the families of buttons
-// (bands, modes, messages, menu items), and a name made from the outlet for
-// the rest.
+// What a screen reader finds on the window's controls: the names (a table of
+// the controls that need words of their own, rules for the families of
+// buttons, the words on screen for the rest), descriptions, label relations,
+// and focus that is announced before anything else about a field.
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QApplication>
+#include <QComboBox>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QScrollArea>
+#include <QTabBar>
+#include <QTabWidget>
 #include <cctype>
 #include <map>
 #include <string>
@@ -64,7 +76,7 @@ QString accessibleNameFor(const ui::Control& c) {
       {"tuneButton", "Tune to frequency"},
       {"callTextField", "Call sign"},
       {"saveCallButton", "Save call sign"},
-      {"licenseClassButton", "Licence class"},
+      {"licenseClassButton", "Licence class for the frequency"},
       {"sMeter", "S-meter"},
       {"modesPopUpButton", "Mode"},
       {"memPopUpButton", "Memory channel"},
@@ -99,7 +111,6 @@ QString accessibleNameFor(const ui::Control& c) {
       {"APOPopUpButton", "Automatic power off"},
       {"powerPopUpButton", "Transmit power"},
       {"macroPopUpButton", "Macro"},
-      {"sendBox", "Keyer and messages"},
       {"textMemoryField", "Message text"},
       {"sendTextMemoryButton", "Send message text"},
       {"clearTextMemoryButton", "Clear message text"},
@@ -116,6 +127,17 @@ QString accessibleNameFor(const ui::Control& c) {
       {"quickMemoryInButton", "Quick memory store"},
       {"quickMemoryRecallButton", "Quick memory recall"},
       {"makerPageButton", "Open the manual"},
+      {"bandConditionsRefreshButton", "Refresh band conditions"},
+      {"memoriesTable", "Memory channels"},
+      {"potaTable", "POTA spots"},
+      {"potaRefreshButton", "Refresh POTA spots"},
+      {"sotaTable", "SOTA spots"},
+      {"sotaRefreshButton", "Refresh SOTA spots"},
+      {"netLoggerTable", "NetLogger nets"},
+      {"netLoggerRefreshButton", "Refresh NetLogger nets"},
+      {"netsTable", "Nets"},
+      {"netsRefreshButton", "Refresh nets"},
+      {"mwTable", "MW stations"},
   };
   const std::string& o = c.outlet();
   if (auto it = names.find(o); it != names.end()) return QString::fromUtf8(it->second);
@@ -126,8 +148,8 @@ QString accessibleNameFor(const ui::Control& c) {
     return QStringLiteral("Band %1 m").arg(q(o.substr(1, o.size() - 7)));
   if (o == "mgenButton") return QStringLiteral("Band general coverage");
   if (o == "mmwButton") return QStringLiteral("Band medium wave");
-  if (c.kind() == ui::Kind::Button && c.tag() >= 200 && c.tag() <= 215)
-    return c.title().rfind("Mode ", 0) == 0 ? q(c.title()) : QStringLiteral("Mode ") + q(c.title());
+  // A mode button says the mode it shows ("USB"); its box says "Mode".
+  if (c.kind() == ui::Kind::Button && c.tag() >= 200 && c.tag() <= 215) return q(c.title());
   if (o.rfind("scopeColor", 0) == 0 && c.kind() == ui::Kind::Button)
     return QStringLiteral("Scope colour ") + q(c.title());
   if (o.rfind("textMemory", 0) == 0 && c.kind() == ui::Kind::Button)
@@ -154,14 +176,101 @@ QString accessibleNameFor(const ui::Control& c) {
         .arg(t / 100 % 100, 2, 10, QChar('0'))
         .arg(t % 100, 2, 10, QChar('0'));
   }
-  if (c.kind() == ui::Kind::MenuItem && !c.title().empty()) return q(c.title());
   // The filter bar above a web list: the words of its labels.
   for (const auto& [suffix, name] : {std::pair{"BandFilter", "Band filter"}, std::pair{"ModeFilter", "Mode filter"},
                                      std::pair{"RefreshEvery", "Refresh every"}}) {
     const std::string s(suffix);
     if (o.size() > s.size() && o.compare(o.size() - s.size(), s.size(), s) == 0) return QString::fromUtf8(name);
   }
+  // Anything else is called what it shows: a button its title, a table the
+  // title of its page. Fields and pop-ups have no words of their own: the
+  // name made here is also the text of the label the window puts beside them.
+  if ((c.kind() == ui::Kind::MenuItem || c.kind() == ui::Kind::Button) && !c.title().empty()) return q(c.title());
+  if (c.kind() == ui::Kind::Table && c.tabView() && c.page() >= 0 &&
+      c.page() < static_cast<int>(c.tabView()->entries().size()))
+    return q(c.tabView()->entries()[static_cast<std::size_t>(c.page())].title);
   return fromOutlet(o);
+}
+
+void presentAccessibly(const ui::Control& c, QWidget* w) {
+  const QString name = accessibleNameFor(c);
+  switch (c.kind()) {
+    case ui::Kind::Box:
+    case ui::Kind::Label:
+      // A box is called by its title and a status line by its text, both
+      // as they change; an explicit name would hide them.
+      return;
+    case ui::Kind::Button:
+      if (c.displayOnly()) {
+        // An indicator's words ("General CW") are what it says; what it
+        // indicates is its description.
+        w->setAccessibleDescription(name);
+        return;
+      }
+      break;
+    default:
+      break;
+  }
+  w->setAccessibleName(name);
+  // The tab bar is what takes the focus: it says which set of pages it turns.
+  if (auto* tabs = qobject_cast<QTabWidget*>(w)) tabs->tabBar()->setAccessibleName(name);
+  // A menu item's field says its item code after its label and value.
+  if (const menu::MenuItem* item = menu::menuItemWithTag(c.tag()); item && c.outlet().rfind("menu", 0) == 0) {
+    const std::string& code = item->code;
+    w->setAccessibleDescription(
+        QStringLiteral("Menu item %1-%2-%3").arg(q(code.substr(0, 2)), q(code.substr(2, 2)), q(code.substr(4, 2))));
+  }
+}
+
+QLabel* labelFor(QWidget* field, const QString& text) {
+  // The label must stand in the same parent as its field: a screen reader
+  // finds a field's label among the field's siblings.
+  auto* label = new QLabel(text);
+  label->setBuddy(field);
+  return label;
+}
+
+void setCaption(QLabel* display, const QString& caption) {
+  display->setProperty("caption", caption);
+  display->setAccessibleName(display->text().isEmpty() ? caption : caption + QStringLiteral(": ") + display->text());
+}
+
+void quietPanes(QWidget* root) {
+  // A scrolling pane holds controls that take the focus themselves; the
+  // pane itself has no name and nothing to say, so it is no focus stop.
+  for (auto* pane : root->findChildren<QAbstractScrollArea*>()) {
+    if (qobject_cast<QAbstractItemView*>(pane) || pane->inherits("QPlainTextEdit") || pane->inherits("QTextEdit"))
+      continue;
+    pane->setFocusPolicy(Qt::NoFocus);
+  }
+}
+
+namespace {
+
+// Sends a field's focus to assistive technologies before the field handles
+// the focus itself: a line edit moves or selects its caret on focus, and a
+// screen reader that hears of the caret first takes the field as already
+// announced and says nothing when the focus event follows.
+class FocusFirst : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::FocusIn && QAccessible::isActive())
+      if (auto* field = qobject_cast<QLineEdit*>(watched); field && field->hasFocus()) {
+        QAccessibleEvent focus(field, QAccessible::Focus);
+        QAccessible::updateAccessibility(&focus);
+      }
+    return QObject::eventFilter(watched, event);
+  }
+};
+
+}  // namespace
+
+void announceFocusFirst() {
+  static QPointer<FocusFirst> installed;
+  if (installed || !qApp) return;
+  installed = new FocusFirst(qApp);
+  qApp->installEventFilter(installed);
 }
 
 }  // namespace tolvane::desktop

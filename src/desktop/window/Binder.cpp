@@ -188,6 +188,7 @@ QString Binder::bezelColour(ui::Bezel bezel) {
 }
 
 Binder::Binder(ui::Window& model, QObject* parent) : QObject(parent), model_(model) {
+  announceFocusFirst();
   for (const auto& c : model_.controls()) create(*c);
   for (const auto& c : model_.controls()) repaint(*c);
 }
@@ -258,16 +259,24 @@ QWidget* Binder::makeWidget(ui::Control& c) {
       const bool isCheckBox = c.outlet().find("CheckBox") != std::string::npos;
       QAbstractButton* b =
           isCheckBox ? static_cast<QAbstractButton*>(new QCheckBox) : static_cast<QAbstractButton*>(new QPushButton);
-      connect(b, &QAbstractButton::clicked, this, [this, ctl] {
-        if (painting_) return;
-        ctl->click();
-        repaint(*ctl);  // a check box shows the model's state, not its own toggle
-      });
       if (auto* pb = qobject_cast<QPushButton*>(b)) {
         pb->setAutoDefault(false);
         // A lit toggle is checked, so its state is read out, not only seen.
         pb->setCheckable(c.isToggle());
       }
+      // A checkable button is pressed by a click, Space or an assistive
+      // technology's "Toggle" (which toggles without clicking): all of them
+      // toggle it, so that is the gesture taken. Afterwards the button shows
+      // the model's state again, not its own toggle.
+      const auto press = [this, ctl] {
+        if (painting_) return;
+        ctl->click();
+        repaint(*ctl);
+      };
+      if (b->isCheckable())
+        connect(b, &QAbstractButton::toggled, this, press);
+      else
+        connect(b, &QAbstractButton::clicked, this, press);
       w = b;
       break;
     }
@@ -304,7 +313,10 @@ QWidget* Binder::makeWidget(ui::Control& c) {
     }
     case ui::Kind::TextField: {
       auto* e = new QLineEdit;
-      connect(e, &QLineEdit::textEdited, this, [this, ctl](const QString& t) {
+      // Any text the operator puts in counts, typed or set through an
+      // assistive technology (dictation, braille input); the program's own
+      // changes are dropped by the guard.
+      connect(e, &QLineEdit::textChanged, this, [this, ctl](const QString& t) {
         if (!painting_) ctl->type(t.toStdString());
       });
       connect(e, &QLineEdit::returnPressed, this, [this, ctl] {
@@ -340,9 +352,14 @@ QWidget* Binder::makeWidget(ui::Control& c) {
       w = tabs;
       break;
     }
-    case ui::Kind::Table:
-      w = new TableView(c);
+    case ui::Kind::Table: {
+      auto* view = new TableView(c);
+      // Tab leaves a table for the next control; the arrow keys walk its rows.
+      view->setTabKeyNavigation(false);
+      view->setFocusPolicy(Qt::StrongFocus);
+      w = view;
       break;
+    }
     case ui::Kind::Label:
       w = new QLabel;
       break;
@@ -360,7 +377,7 @@ QWidget* Binder::makeWidget(ui::Control& c) {
   }
   if (w) {
     w->setObjectName(q(c.outlet()));
-    w->setAccessibleName(accessibleNameFor(c));
+    presentAccessibly(c, w);
     widgets_[c.outlet()] = w;
   }
   return w;
@@ -395,8 +412,7 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
     case ui::Kind::Button: {
       if (auto* label = qobject_cast<QLabel*>(w)) {
         const QString colour = bezelColour(c.bezel());
-        label->setText(q(c.title()));
-        label->setAccessibleDescription(q(c.title()));
+        label->setText(q(c.title()));  // its words are its accessible name
         label->setStyleSheet(
             colour.isEmpty()
                 ? QString()
@@ -511,6 +527,7 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
     case ui::Kind::Label: {
       auto* label = static_cast<QLabel*>(w);
       label->setText(q(c.title()));
+      if (const QString caption = label->property("caption").toString(); !caption.isEmpty()) setCaption(label, caption);
       // A coloured label (a band condition) shows its colour in bold text.
       const QString colour = bezelColour(c.bezel());
       label->setStyleSheet(colour.isEmpty() ? QString() : QStringLiteral("color: %1; font-weight: bold;").arg(colour));

@@ -3,7 +3,7 @@
 // control's observer, and turns the operator's gestures into the control's
 // click(), choose(), slide() and type(). A change made by the program repaints
 // the widget and never fires an action: only user-only signals are used
-// (activated, sliderReleased, actionTriggered, textEdited, triggered) and a
+// (activated, sliderReleased, actionTriggered, toggled, textChanged, triggered) and a
 // guard drops the signals that the repaint itself raises.
 #pragma once
 
@@ -19,6 +19,7 @@
 #include "ui/Controls.h"
 
 class QAction;
+class QLabel;
 class QWidget;
 
 namespace tolvane::desktop {
@@ -26,6 +27,20 @@ namespace tolvane::desktop {
 // The stable name a screen reader announces for a control ("VFO A",
 // "Band 20 m", "Mode", "AF gain"); also the text of its label in the window.
 QString accessibleNameFor(const ui::Control& control);
+// Gives a control's widget what assistive technologies read from it: its
+// name (none for boxes and status lines, which are read by their title and
+// text), and its description (an indicator's meaning, a menu item's code).
+void presentAccessibly(const ui::Control& control, QWidget* widget);
+// The label a field stands beside, "Call sign:"; the field is labelled by it
+// when both are laid out in the same parent.
+QLabel* labelFor(QWidget* field, const QString& text);
+// A display read with a caption ("Solar flux: 150"): its accessible name is
+// the caption and its current text.
+void setCaption(QLabel* display, const QString& caption);
+// Takes the scrolling panes under root out of the focus chain.
+void quietPanes(QWidget* root);
+// Makes every field announce its focus before its caret (installed once).
+void announceFocusFirst();
 
 class Binder : public QObject {
   Q_OBJECT

@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QScrollArea>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -112,6 +113,7 @@ void MainWindow::buildPage(int index) {
     for (QWidget* child : page->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
       if (!child->testAttribute(Qt::WA_WState_ExplicitShowHide)) child->show();
   }
+  quietPanes(page);
   fixFocusOrder();
 }
 
@@ -159,7 +161,11 @@ QWidget* MainWindow::take(const std::string& outlet) {
   QWidget* w = binder_.widget(outlet);
   if (!w) return nullptr;
   placed_.insert(outlet);
-  if (w->focusPolicy() != Qt::NoFocus) focusOrder_.push_back(w);
+  // A set of pages takes the focus on its tab bar: that is the link in the chain.
+  if (auto* tabs = qobject_cast<QTabWidget*>(w))
+    focusOrder_.push_back(tabs->tabBar());
+  else if (w->focusPolicy() != Qt::NoFocus)
+    focusOrder_.push_back(w);
   return w;
 }
 
@@ -169,8 +175,7 @@ void MainWindow::addRow(QFormLayout* form, const std::string& outlet) {
   const ui::Control* c = binder_.model().find(outlet);
   QWidget* w = take(outlet);
   if (!c || !w) return;
-  auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
-  label->setBuddy(w);
+  QLabel* label = labelFor(w, accessibleNameFor(*c) + QStringLiteral(":"));
   // A narrow window puts long labels above their field instead of clipping.
   form->setRowWrapPolicy(QFormLayout::WrapLongRows);
   form->addRow(label, w);
@@ -283,7 +288,7 @@ void MainWindow::buildConnectionPage(QWidget* page) {
     status->setWordWrap(true);
     status->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     status->setMaximumWidth(640);
-    status->setAccessibleName(QStringLiteral("Port status"));
+    setCaption(status, QStringLiteral("Port status"));
     form->addRow(QString(), status);
   }
   if (QWidget* connect = binder_.widget("openCloseButton")) connect->setMinimumWidth(140);
@@ -292,9 +297,8 @@ void MainWindow::buildConnectionPage(QWidget* page) {
   QGroupBox* raw = group(QStringLiteral("Raw command"));
   auto* rawLayout = new QGridLayout(raw);
   if (const ui::Control* c = binder_.model().find("sendTextField")) {
-    auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
     QWidget* field = take("sendTextField");
-    label->setBuddy(field);
+    QLabel* label = labelFor(field, accessibleNameFor(*c) + QStringLiteral(":"));
     rawLayout->addWidget(label, 0, 0);
     rawLayout->addWidget(field, 0, 1);
   }
@@ -357,9 +361,7 @@ void MainWindow::buildOperatePage(QWidget* page) {
     const ui::Control* c = binder_.model().find(field);
     QWidget* w = take(field);
     if (!c || !w) continue;
-    auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
-    label->setBuddy(w);
-    eg->addWidget(label, row, 0);
+    eg->addWidget(labelFor(w, accessibleNameFor(*c) + QStringLiteral(":")), row, 0);
     eg->addWidget(w, row, 1);
     if (QWidget* b = take(buttonOutlet)) eg->addWidget(b, row, 2);
     ++row;

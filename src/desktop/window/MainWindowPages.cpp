@@ -11,8 +11,10 @@
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <array>
 
 #include "app/WindowLayout.h"
 #include "desktop/window/MainWindow.h"
@@ -43,12 +45,10 @@ void MainWindow::buildMessagesPage(QWidget* page) {
     ++row;
     const std::string field = std::string(mode) + "MemoryField";
     if (const ui::Control* c = binder_.model().find(field)) {
-      auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
       if (QWidget* f = take(field)) {
         static_cast<QLineEdit*>(f)->setMaxLength(200);
         static_cast<QLineEdit*>(f)->setPlaceholderText(QStringLiteral("Up to 49 characters are stored"));
-        label->setBuddy(f);
-        sg->addWidget(label, row, 1);
+        sg->addWidget(labelFor(f, accessibleNameFor(*c) + QStringLiteral(":")), row, 1);
         sg->addWidget(f, row, 2, 1, 3);
       }
       if (QWidget* pop = take(std::string(mode) + "MemoryPopUpButton")) sg->addWidget(pop, row, 5);
@@ -111,6 +111,7 @@ void MainWindow::buildAllPages() {
 void MainWindow::buildMenuPage(QWidget* page, int index) {
   pageTab_ = "settingsTab";
   pageIndex_ = index;
+  const std::size_t firstStop = focusOrder_.size();
   auto* holder = new QWidget;
   auto* v = new QVBoxLayout(holder);
   v->setContentsMargins(6, 6, 6, 6);
@@ -121,9 +122,8 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
   filter->setPlaceholderText(QStringLiteral("Filter by item code (01-02-03) or label"));
   filter->setClearButtonEnabled(true);
   filter->setAccessibleName(QStringLiteral("Filter menu items"));
-  auto* filterLabel = new QLabel(QStringLiteral("&Filter:"));
-  filterLabel->setBuddy(filter);
-  top->addWidget(filterLabel);
+  top->addWidget(labelFor(filter, QStringLiteral("&Filter:")));
+  focusOrder_.push_back(filter);
   top->addWidget(filter, 1);
   if (QWidget* read = take("readMenuGroup" + std::to_string(index + 1) + "Button")) top->addWidget(read);
   v->addLayout(top);
@@ -145,7 +145,7 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
 
   struct Row {
     const menu::MenuItem* item;
-    QWidget* label;
+    std::array<QWidget*, 2> label;  // the item code and the label
     QWidget* field;
   };
   struct Section {
@@ -164,7 +164,7 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
     heading->setFont(bold);
     sv->addWidget(heading);
     auto* grid = new QGridLayout;
-    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(2, 1);
     for (std::size_t k = sub.first; k < sub.first + sub.count; ++k) {
       const menu::MenuItem& item = menu::menuItems()[k];
       const std::string suffix = item.kind == menu::ValueKind::CallSign ? "Field" : "PopUp";
@@ -172,18 +172,14 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
       if (!field) continue;
       auto* code = new QLabel(QStringLiteral("EX") + QString::fromStdString(item.code));
       code->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-      auto* label = new QLabel(QString::fromStdString(item.label) + QStringLiteral(":"));
-      label->setBuddy(field);
-      auto* left = new QWidget;
-      auto* lh = new QHBoxLayout(left);
-      lh->setContentsMargins(0, 0, 0, 0);
-      lh->addWidget(code);
-      lh->addWidget(label);
-      lh->addStretch();
+      // Code, label and field side by side in one parent, so the field is
+      // labelled by its label.
+      QLabel* label = labelFor(field, QString::fromStdString(item.label) + QStringLiteral(":"));
       const int r = static_cast<int>(k - sub.first);
-      grid->addWidget(left, r, 0);
-      grid->addWidget(field, r, 1, Qt::AlignLeft);
-      section.rows.push_back(Row{&item, left, field});
+      grid->addWidget(code, r, 0);
+      grid->addWidget(label, r, 1);
+      grid->addWidget(field, r, 2, Qt::AlignLeft);
+      section.rows.push_back(Row{&item, {code, label}, field});
     }
     sv->addLayout(grid);
     lv->addWidget(section.box);
@@ -212,7 +208,7 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
       bool shown = false;
       for (Row& r : s.rows) {
         const bool match = menu::menuItemMatches(*r.item, f);
-        r.label->setVisible(match);
+        for (QWidget* l : r.label) l->setVisible(match);
         r.field->setVisible(match);
         shown = shown || match;
       }
@@ -227,6 +223,14 @@ void MainWindow::buildMenuPage(QWidget* page, int index) {
   pageLayout->setContentsMargins(0, 0, 0, 0);
   pageLayout->addWidget(holder);
   holder->show();
+  quietPanes(holder);
+  // Built after the window's Tab order was made: the page's controls go in
+  // right after the tab bar that shows them.
+  QWidget* previous = binder_.widgetAs<QTabWidget>("settingsTab")->tabBar();
+  for (std::size_t i = firstStop; i < focusOrder_.size(); ++i) {
+    QWidget::setTabOrder(previous, focusOrder_[i]);
+    previous = focusOrder_[i];
+  }
   pin();
   pageTab_ = "mainTab";
 }
@@ -242,7 +246,7 @@ void MainWindow::buildBandConditions(QBoxLayout* into) {
   auto caption = [](const QString& text) { return new QLabel(text); };
   auto place = [&](const char* outlet, int row, int column, const QString& name) {
     if (QWidget* w = take(outlet)) {
-      w->setAccessibleName(name);
+      if (auto* display = qobject_cast<QLabel*>(w)) setCaption(display, name);
       grid->addWidget(w, row, column);
     }
   };
@@ -263,10 +267,7 @@ void MainWindow::buildBandConditions(QBoxLayout* into) {
   place("magicBandField", 3, 3, QStringLiteral("6 m band"));
   grid->addWidget(caption(QStringLiteral("Noise")), 4, 0);
   place("signalNoiseField", 4, 1, QStringLiteral("Noise level"));
-  if (QWidget* refresh = take("bandConditionsRefreshButton")) {
-    refresh->setAccessibleName(QStringLiteral("Refresh band conditions"));
-    grid->addWidget(refresh, 4, 3, 1, 2);
-  }
+  if (QWidget* refresh = take("bandConditionsRefreshButton")) grid->addWidget(refresh, 4, 3, 1, 2);
   into->addWidget(box);
 }
 

@@ -1,0 +1,202 @@
+// The window as assistive technologies see it, through Qt's accessibility
+// interfaces (what the AT-SPI bridge hands to a screen reader): actions do
+// what a click does, text set from outside is used, fields and pop-ups are
+// labelled, names follow what the screen shows, and Tab reaches every table.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTest>
+#include <vector>
+
+#include "desktop/window/MainWindow.h"
+#include "menu/MenuTable.h"
+#include "support/Harness.h"
+
+namespace tolvane::desktop {
+namespace {
+
+QAccessibleInterface* ax(QObject* o) { return QAccessible::queryAccessibleInterface(o); }
+
+QString name(QObject* o) { return ax(o)->text(QAccessible::Name); }
+
+// The texts of the labels a widget is labelled by.
+QStringList labels(QWidget* w) {
+  QStringList out;
+  for (const auto& [iface, relation] : ax(w)->relations(QAccessible::Label)) out << iface->text(QAccessible::Name);
+  return out;
+}
+
+struct AccessibilityTest : ::testing::Test {
+  test::Rig rig;
+  Binder binder{rig.window};
+  MainWindow window{binder};
+
+  template <class W = QWidget>
+  W* w(const char* outlet) {
+    return binder.widgetAs<W>(outlet);
+  }
+};
+
+TEST_F(AccessibilityTest, AnAccessibleActionDoesWhatAClickDoes) {
+  rig.openPortAndSettle();
+  // "Toggle" on a band button tunes the band, as a click does, and the
+  // button then shows the state the model holds.
+  auto* band = w<QAbstractButton>("m40Button");
+  QAccessibleActionInterface* actions = ax(band)->actionInterface();
+  ASSERT_TRUE(actions->actionNames().contains(QAccessibleActionInterface::toggleAction()));
+  actions->doAction(QAccessibleActionInterface::toggleAction());
+  EXPECT_EQ(rig.written().substr(0, 5), "BS03;");
+  EXPECT_EQ(band->isChecked(), rig.at("m40Button").bezel() != ui::Bezel::None);
+
+  // A toggle the radio has not lit stays unchecked after "Toggle".
+  rig.port->clearWrites();
+  auto* nb = w<QAbstractButton>("nbButton");
+  ax(nb)->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+  EXPECT_EQ(rig.written().substr(0, 5), "NB01;");
+  EXPECT_EQ(nb->isChecked(), rig.at("nbButton").bezel() != ui::Bezel::None);
+
+  // A check box changes the setting once, whichever way it is pressed.
+  auto* ending = w<QAbstractButton>("lineEndingCheckBox");
+  const bool before = ending->isChecked();
+  ax(ending)->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+  EXPECT_NE(ending->isChecked(), before);
+  EXPECT_EQ(ending->isChecked(), rig.at("lineEndingCheckBox").state() != 0);
+  ending->click();
+  EXPECT_EQ(ending->isChecked(), before);
+  EXPECT_EQ(ending->isChecked(), rig.at("lineEndingCheckBox").state() != 0);
+}
+
+TEST_F(AccessibilityTest, TextSetThroughTheAccessibilityInterfaceIsTheTextSent) {
+  rig.openPortAndSettle();
+  rig.receive("MD03;");
+  rig.port->clearWrites();
+  auto* field = w<QLineEdit>("textMemoryField");
+  ax(field)->editableTextInterface()->insertText(0, QStringLiteral("CQ TEST"));
+  ASSERT_EQ(field->text(), "CQ TEST");
+  w<QAbstractButton>("sendTextMemoryButton")->click();
+  rig.scheduler.runAll();
+  EXPECT_EQ(rig.written().substr(0, 16), "KM5CQ TEST};KYA;");
+
+  // The frequency field likewise: set from outside, Return tunes to it.
+  rig.port->clearWrites();
+  auto* freq = w<QLineEdit>("freqTextField");
+  ax(freq)->setText(QAccessible::Value, QStringLiteral("7.1"));
+  QTest::keyClick(freq, Qt::Key_Return);
+  EXPECT_NE(rig.written().find("007100000"), std::string::npos) << rig.written();
+}
+
+TEST_F(AccessibilityTest, MenuFieldsAreLabelledByTheirLabelAndDescribedByTheirCode) {
+  window.buildAllPages();
+  auto* first = w("menu2010101PopUp");
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(labels(first), QStringList{"Menu 01-01-01:"});
+  EXPECT_EQ(ax(first)->text(QAccessible::Description), "Menu item 01-01-01");
+  int labelled = 0;
+  for (const menu::MenuItem& item : menu::menuItems()) {
+    const bool call = item.kind == menu::ValueKind::CallSign;
+    const std::string outlet = "menu" + std::to_string(item.tag()) + (call ? "Field" : "PopUp");
+    QWidget* field = binder.widget(outlet);
+    ASSERT_NE(field, nullptr) << outlet;
+    if (call) {
+      EXPECT_EQ(labels(field), QStringList{"Call sign:"});
+    }
+    if (labels(field).size() == 1 && ax(field)->text(QAccessible::Description).startsWith("Menu item ")) ++labelled;
+  }
+  EXPECT_EQ(labelled, 194);
+  // The filter and the operating page's fields and pop-ups likewise.
+  // (A control in a titled box is also labelled by the box's title.)
+  EXPECT_EQ(labels(window.findChild<QLineEdit*>("menuFilter1")), QStringList{"Filter:"});
+  EXPECT_EQ(labels(w("callTextField")), (QStringList{"Call sign:", "Tune and call"}));
+  EXPECT_EQ(labels(w("smeterPopUpButton")), (QStringList{"Meter display:", "Meter"}));
+}
+
+TEST_F(AccessibilityTest, NamesFollowWhatTheScreenShows) {
+  rig.openPortAndSettle();
+  auto* box = w("sendBox");
+  rig.receive("MD03;");
+  EXPECT_EQ(name(box), "Send CW");
+  rig.receive("MD02;");
+  EXPECT_EQ(name(box), "Keyer / Encoder");
+  rig.at("bandBox").setTitle("Band Conditions - 01 Mar 2025 2356 GMT");
+  EXPECT_EQ(name(w("bandBox")), "Band Conditions - 01 Mar 2025 2356 GMT");
+
+  // Indicators and status lines say their words.
+  rig.receive("FA018100000;");
+  EXPECT_EQ(name(w("licenseClassButton")), "General CW");
+  rig.receive("FA018150000;");
+  EXPECT_EQ(name(w("licenseClassButton")), "General");
+  rig.at("potaStatusLabel").setTitle("Fetched at 14:02: 12 spots.");
+  EXPECT_EQ(name(w("potaStatusLabel")), "Fetched at 14:02: 12 spots.");
+  rig.at("solarFluxField").setTitle("150");
+  EXPECT_EQ(name(w("solarFluxField")), "Solar flux: 150");
+
+  // Names are words, never identifiers or codes.
+  const std::vector<std::pair<const char*, const char*>> expected = {
+      {"potaTable", "POTA spots"},
+      {"potaRefreshButton", "Refresh POTA spots"},
+      {"sotaTable", "SOTA spots"},
+      {"netLoggerTable", "NetLogger nets"},
+      {"netsTable", "Nets"},
+      {"mwTable", "MW stations"},
+      {"memoriesTable", "Memory channels"},
+      {"modeUSBButton", "USB"},
+      {"modeDataFMButton", "DATA-FM"},
+      {"writeMemoriesButton", "Write to radio"},
+  };
+  for (const auto& [outlet, words] : expected) EXPECT_EQ(name(w(outlet)), words) << outlet;
+}
+
+// Tab from a page's tab bar round the page: every stop is named, and no
+// pane without a name takes the focus.
+std::vector<QWidget*> tabStops(QWidget* start) {
+  std::vector<QWidget*> stops;
+  start->setFocus(Qt::TabFocusReason);
+  for (int i = 0; i < 400; ++i) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QWidget* at = QApplication::focusWidget();
+    if (at == start || !at) break;
+    stops.push_back(at);
+  }
+  return stops;
+}
+
+TEST_F(AccessibilityTest, TabReachesEveryTableAndStopsOnlyOnNamedControls) {
+  window.show();
+  QApplication::setActiveWindow(&window);
+  auto* main = w<QTabWidget>("mainTab");
+  auto* spots = w<QTabWidget>("spotsTab");
+  const char* tables[] = {"potaTable", "sotaTable", "netLoggerTable", "netsTable", "mwTable"};
+  main->setCurrentIndex(5);
+  for (int page = 0; page < 5; ++page) {
+    spots->setCurrentIndex(page);
+    const auto stops = tabStops(spots->tabBar());
+    EXPECT_NE(std::find(stops.begin(), stops.end(), w(tables[page])), stops.end()) << tables[page];
+    for (QWidget* s : stops) {
+      EXPECT_FALSE(qobject_cast<QScrollArea*>(s)) << "a pane takes the focus on spots page " << page;
+      EXPECT_FALSE(name(s).isEmpty()) << s->metaObject()->className() << " " << s->objectName().toStdString();
+    }
+  }
+  main->setCurrentIndex(2);
+  const auto memories = tabStops(main->tabBar());
+  EXPECT_NE(std::find(memories.begin(), memories.end(), w("memoriesTable")), memories.end());
+
+  // A settings page built when first shown is in the Tab order at once.
+  main->setCurrentIndex(4);
+  auto* settings = w<QTabWidget>("settingsTab");
+  settings->setCurrentIndex(1);
+  const auto menu = tabStops(settings->tabBar());
+  EXPECT_NE(std::find(menu.begin(), menu.end(), w("readMenuGroup2Button")), menu.end());
+  EXPECT_NE(std::find(menu.begin(), menu.end(), w("menu2020101PopUp")), menu.end());
+  for (QWidget* s : menu) EXPECT_FALSE(qobject_cast<QScrollArea*>(s)) << "a pane takes the focus in the menu";
+}
+
+}  // namespace
+}  // namespace tolvane::desktop
