@@ -112,6 +112,13 @@ TEST_F(AccessibilityTest, MenuFieldsAreLabelledByTheirLabelAndDescribedByTheirCo
   }
   EXPECT_EQ(labelled, 194);
   // The filter and the operating page's fields and pop-ups likewise.
+  // A pop-up says its label and its current entry.
+  rig.at("smeterPopUpButton").selectIndex(0);
+  QAccessibleInterface* meter = ax(w("smeterPopUpButton"));
+  EXPECT_EQ(meter->text(QAccessible::Name), "Meter display");
+  ASSERT_NE(meter->textInterface(), nullptr);
+  EXPECT_EQ(meter->textInterface()->text(0, meter->textInterface()->characterCount()), "COMP");
+  EXPECT_EQ(meter->text(QAccessible::Value), "COMP");
   // (A control in a titled box is also labelled by the box's title.)
   EXPECT_EQ(labels(window.findChild<QLineEdit*>("menuFilter1")), QStringList{"Filter:"});
   EXPECT_EQ(labels(w("callTextField")), (QStringList{"Call sign:", "Tune and call"}));

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QComboBox>
 #include <QEvent>
@@ -247,6 +248,64 @@ void quietPanes(QWidget* root) {
 
 namespace {
 
+// A pop-up as a screen reader reads it: named by its label, with its current
+// entry as its text and value, so "Meter display: COMP, combo box" is said on
+// focus and the new entry when it changes. (The toolkit's own pop-up gives
+// its entry as its name and no text, so a screen reader said the label and
+// the role only.) Press opens the list.
+class PopUpAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
+ public:
+  explicit PopUpAccessible(QComboBox* box) : QAccessibleWidget(box, QAccessible::ComboBox) {}
+
+  void* interface_cast(QAccessible::InterfaceType t) override {
+    if (t == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+    return QAccessibleWidget::interface_cast(t);
+  }
+  QString text(QAccessible::Text t) const override {
+    if (t == QAccessible::Value) return entry();
+    return QAccessibleWidget::text(t);
+  }
+  int childCount() const override { return 0; }
+  QAccessibleInterface* child(int) const override { return nullptr; }
+  int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+
+  QStringList actionNames() const override { return QStringList{pressAction()} + QAccessibleWidget::actionNames(); }
+  void doAction(const QString& name) override {
+    if (name == pressAction() || name == showMenuAction())
+      box()->showPopup();
+    else
+      QAccessibleWidget::doAction(name);
+  }
+
+  // The text interface: the current entry, read only.
+  void selection(int, int* start, int* end) const override { *start = *end = 0; }
+  int selectionCount() const override { return 0; }
+  void addSelection(int, int) override {}
+  void removeSelection(int) override {}
+  void setSelection(int, int, int) override {}
+  int cursorPosition() const override { return 0; }
+  void setCursorPosition(int) override {}
+  QString text(int start, int end) const override { return entry().mid(start, end < 0 ? -1 : end - start); }
+  int characterCount() const override { return static_cast<int>(entry().size()); }
+  QRect characterRect(int) const override { return {}; }
+  int offsetAtPoint(const QPoint&) const override { return -1; }
+  void scrollToSubstring(int, int) override {}
+  QString attributes(int, int* start, int* end) const override {
+    *start = *end = 0;
+    return {};
+  }
+
+ private:
+  QComboBox* box() const { return static_cast<QComboBox*>(widget()); }
+  QString entry() const { return box()->currentText(); }
+};
+
+QAccessibleInterface* popUpFactory(const QString& className, QObject* object) {
+  if (className != QLatin1String("QComboBox")) return nullptr;
+  auto* box = qobject_cast<QComboBox*>(object);
+  return box && !box->isEditable() ? new PopUpAccessible(box) : nullptr;
+}
+
 // Sends a field's focus to assistive technologies before the field handles
 // the focus itself: a line edit moves or selects its caret on focus, and a
 // screen reader that hears of the caret first takes the field as already
@@ -271,6 +330,7 @@ void announceFocusFirst() {
   if (installed || !qApp) return;
   installed = new FocusFirst(qApp);
   qApp->installEventFilter(installed);
+  QAccessible::installFactory(popUpFactory);
 }
 
 }  // namespace tolvane::desktop

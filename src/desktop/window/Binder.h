@@ -39,7 +39,8 @@ QLabel* labelFor(QWidget* field, const QString& text);
 void setCaption(QLabel* display, const QString& caption);
 // Takes the scrolling panes under root out of the focus chain.
 void quietPanes(QWidget* root);
-// Makes every field announce its focus before its caret (installed once).
+// Makes every field announce its focus before its caret, and every pop-up its
+// label and current entry (installed once).
 void announceFocusFirst();
 
 class Binder : public QObject {
