@@ -126,6 +126,7 @@ TEST_F(AccessibilityTest, MenuFieldsAreLabelledByTheirLabelAndDescribedByTheirCo
 }
 
 TEST_F(AccessibilityTest, NamesFollowWhatTheScreenShows) {
+  window.buildAllPages();
   rig.openPortAndSettle();
   auto* box = w("sendBox");
   rig.receive("MD03;");
