@@ -8,7 +8,9 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QEvent>
+#include <QFocusEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -17,6 +19,7 @@
 #include <QTabWidget>
 #include <cctype>
 #include <map>
+#include <set>
 #include <string>
 
 #include "desktop/window/Binder.h"
@@ -306,21 +309,32 @@ QAccessibleInterface* popUpFactory(const QString& className, QObject* object) {
   return box && !box->isEditable() ? new PopUpAccessible(box) : nullptr;
 }
 
-// Sends a field's focus to assistive technologies before the field handles
-// the focus itself: a line edit moves or selects its caret on focus, and a
-// screen reader that hears of the caret first takes the field as already
-// announced and says nothing when the focus event follows.
+// A field's focus reaches assistive technologies before anything else about
+// the field. A line edit moves or selects its caret when it takes the focus,
+// and the toolkit reports the focus only after that: a screen reader that
+// hears of the caret first takes the field as already announced and says
+// nothing when the focus follows. So while assistive technologies listen, a
+// field's focus-in is handled one turn of the event loop later, after the
+// focus has been reported.
 class FocusFirst : public QObject {
  public:
   using QObject::QObject;
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::FocusIn && QAccessible::isActive())
-      if (auto* field = qobject_cast<QLineEdit*>(watched); field && field->hasFocus()) {
-        QAccessibleEvent focus(field, QAccessible::Focus);
-        QAccessible::updateAccessibility(&focus);
-      }
-    return QObject::eventFilter(watched, event);
+    if (event->type() != QEvent::FocusIn) return QObject::eventFilter(watched, event);
+    auto* field = qobject_cast<QLineEdit*>(watched);
+    if (!field) return false;
+    if (auto it = later_.find(field); it != later_.end()) {
+      later_.erase(it);
+      return !field->hasFocus();  // the focus moved on meanwhile: nothing to do
+    }
+    if (!QAccessible::isActive()) return false;
+    later_.insert(field);
+    QCoreApplication::postEvent(field, new QFocusEvent(QEvent::FocusIn, static_cast<QFocusEvent*>(event)->reason()));
+    return true;
   }
+
+ private:
+  std::set<QObject*> later_;  // fields whose focus-in waits in the queue
 };
 
 }  // namespace
