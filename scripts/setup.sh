@@ -12,6 +12,7 @@ packages=(
   desktop-file-utils appstream
   libhamlib-utils qt6-httpserver-dev qt6-websockets-dev qtkeychain-qt6-dev
   dbus-daemon dbus-bin at-spi2-core python3-dbus python3-gi
+  orca speech-dispatcher xdotool
 )
 
 missing=()
