@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "cat/ReceiveBuffer.h"
+#include "log/Contact.h"
 #include "log/SpotRules.h"
 #include "platform/Platform.h"
 #include "ui/Controls.h"
@@ -254,6 +255,17 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void setWallClock(std::function<double()> clock) { wallClock_ = std::move(clock); }
   double wallClock() const;
 
+  // ---------------------------------------------------------- the hunter's log (log/LogActions.cpp)
+  // What the Log Contact form starts with: the row of "potaTable" or
+  // "sotaTable" when one is given, else the radio's frequency and mode; the
+  // time now and the radio's call sign either way.
+  log::Contact contactDraft(const std::string& table = "", int row = -1) const;
+  // The Log button of a spot row (its tag is the row): the form opens with that spot.
+  void goPotaLog(ui::Control& sender);
+  void goSotaLog(ui::Control& sender);
+  // Opens the Log Contact form with a draft (the desktop's form).
+  void setLogContactHandler(std::function<void(const log::Contact&)> handler) { logContact_ = std::move(handler); }
+
   // ---------------------------------------------------------- conditions (conditions/)
   void refreshBandConditions(std::function<void()> whenShown = nullptr);
   void showLicenseClass(const std::string& megahertz);
@@ -386,6 +398,7 @@ class SerialPortDemoController : public platform::SerialPortListener,
 
   platform::Services sv_;
   platform::Files* files_ = nullptr;
+  std::function<void(const log::Contact&)> logContact_;
   std::string manualAddress_;
   ui::Window& window_;
   platform::SerialPortPtr serialPort_;

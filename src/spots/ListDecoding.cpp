@@ -563,14 +563,14 @@ std::vector<ui::Column> columnsOf(const std::string& table) {
     return ui::Column{id, "Tune", 70, false, "Return", std::string("tunes the radio to the ") + what};
   };
   if (table == "potaTable")
-    return {tune("tune", "spot"), {"activator", "Activator", 100}, {"frequency", "kHz", 80},
-            {"mode", "Mode", 60}, {"comment", "Comment", 200},     {"name", "Park", 220},
-            {"last", "Age", 70},  {"location", "Location", 90},    {"reference", "Reference", 100}};
+    return {tune("tune", "spot"),           {"log", "Log", 60},   {"activator", "Activator", 100},
+            {"frequency", "kHz", 80},       {"mode", "Mode", 60}, {"comment", "Comment", 200},
+            {"name", "Park", 220},          {"last", "Age", 70},  {"location", "Location", 90},
+            {"reference", "Reference", 100}};
   if (table == "sotaTable")
-    return {tune("tune2", "spot"),          {"activator2", "Activator", 100},
-            {"activatorName", "Name", 120}, {"frequency2", "kHz", 80},
-            {"mode2", "Mode", 60},          {"comment2", "Comment", 180},
-            {"name2", "Summit", 180},       {"last2", "Age", 70},
+    return {tune("tune2", "spot"),          {"log2", "Log", 60},         {"activator2", "Activator", 100},
+            {"activatorName", "Name", 120}, {"frequency2", "kHz", 80},   {"mode2", "Mode", 60},
+            {"comment2", "Comment", 180},   {"name2", "Summit", 180},    {"last2", "Age", 70},
             {"location2", "Region", 140},   {"reference2", "Points", 80}};
   if (table == "netLoggerTable")
     return {tune("tune", "net"),

@@ -407,6 +407,8 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
     if (f.size() < 10) return std::nullopt;
     if (column == "tune")
       return tune("potaTableTuneButton", &SerialPortDemoController::goPotaTune, spots::potaTune(f, tlAorB));
+    if (column == "log")
+      return button("potaTableLogButton", "Log", &SerialPortDemoController::goPotaLog, "logs a contact with " + f[0]);
     if (column == "activator") return text(f[0]);
     if (column == "frequency") return text(spots::kilohertzCell(f[1], 1.0f));
     if (column == "mode") return text(f[2]);
@@ -422,6 +424,8 @@ std::optional<ui::Cell> SerialPortDemoController::webListCell(const ui::Control&
     if (f.size() < 10) return std::nullopt;
     if (column == "tune2")
       return tune("sotaTableTuneButton", &SerialPortDemoController::goSotaTune, spots::sotaTune(f, tlAorB));
+    if (column == "log2")
+      return button("sotaTableLogButton", "Log", &SerialPortDemoController::goSotaLog, "logs a contact with " + f[0]);
     if (column == "activator2") return text(f[0]);
     if (column == "activatorName") return text(f[1] == "Not recognised" ? "--" : f[1]);
     if (column == "frequency2") return text(spots::kilohertzCell(f[2], 1000.0f));
