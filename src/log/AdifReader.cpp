@@ -152,15 +152,15 @@ std::optional<Contact> contactOf(const Fields& fields, std::string& problem) {
   contact.ownCall = normalised(field(fields, "STATION_CALLSIGN"));
   if (contact.ownCall.empty()) contact.ownCall = normalised(field(fields, "OPERATOR"));
   contact.comment = field(fields, "COMMENT");
-  if (const std::string pota = field(fields, "POTA_REF"); !pota.empty()) {
+  if (const std::string pota = normalised(field(fields, "POTA_REF")); !pota.empty()) {
     contact.sig = "POTA";
-    contact.reference = normalised(pota);
-  } else if (const std::string sota = field(fields, "SOTA_REF"); !sota.empty()) {
+    contact.reference = pota;
+  } else if (const std::string sota = normalised(field(fields, "SOTA_REF")); !sota.empty()) {
     contact.sig = "SOTA";
-    contact.reference = normalised(sota);
-  } else if (const std::string info = field(fields, "SIG_INFO"); !info.empty()) {
+    contact.reference = sota;
+  } else if (const std::string info = normalised(field(fields, "SIG_INFO")); !info.empty()) {
     contact.sig = normalised(field(fields, "SIG"));
-    contact.reference = normalised(info);
+    contact.reference = info;
   }
   return contact;
 }
@@ -221,7 +221,13 @@ AdifRead readAdif(std::string_view text) {
       return read;
     }
     const std::string_view data = text.substr(pos, size);
-    if (!inHeader) fields[tag->name] = validUtf8(data) ? std::string(data) : latin1ToUtf8(data);
+    if (!inHeader) {
+      // Line breaks and other control characters read as blanks, as the writer writes them.
+      std::string value = validUtf8(data) ? std::string(data) : latin1ToUtf8(data);
+      for (char& c : value)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = ' ';
+      fields[tag->name] = std::move(value);
+    }
     pos += size;
   }
   if (inHeader) read.problems.push_back("The file has no end of header (<EOH>)");
