@@ -309,7 +309,7 @@ void buildSpotsPage(ui::Window& w, Control& mainTab) {
 
 void buildWindow(ui::Window& w) {
   Control& mainTab = w.add("mainTab", Kind::TabView);
-  mainTab.setEntries(titles({"Connection", "Operate", "Memories", "Messages", "Settings", "Spots"}));
+  mainTab.setEntries(titles({"Connection", "Operate", "Memories", "Messages", "Settings", "Spots", "Log"}));
   buildConnectionPage(w, mainTab);
   buildOperatePage(w, mainTab);
   buildMemoriesPage(w, mainTab);

@@ -14,6 +14,7 @@ enum MainTabPage : int {
   kPageMessages = 3,
   kPageSettings = 4,
   kPageSpots = 5,
+  kPageLog = 6,  // the hunter's log: a page the desktop fills when it is first shown
 };
 
 // Creates every control of the window in `window`.

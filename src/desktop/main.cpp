@@ -21,6 +21,7 @@
 #include "desktop/services/Resources.h"
 #include "desktop/services/SoundPlayer.h"
 #include "desktop/window/Binder.h"
+#include "desktop/window/LogDesk.h"
 #include "desktop/window/MainWindow.h"
 #include "desktop/window/PreferencesDialog.h"
 #include "desktop/window/SharingPanel.h"
@@ -213,6 +214,8 @@ int main(int argc, char** argv) {
   }
   if (!options.shareAddress.isEmpty()) shareConfig.address = options.shareAddress;
   window.addConnectionSection(new desktop::SharingPanel({&rigctld, &flrig}));
+  // The hunter's log: its file and page are opened when first needed.
+  desktop::LogDesk logDesk(window, binder, controller, files, alerts);
   desktop::applyShareConfig(shareConfig, rigctld, flrig);
 
   // The nets user key comes from the keyring; the controller holds it for

@@ -135,7 +135,8 @@ void LogBook::rebuildView() {
 
 void LogBook::changed() {
   rebuildView();
-  for (const auto& observer : observers_) observer();
+  for (const auto& observer : observers_)
+    if (observer) observer();
 }
 
 void LogBook::forget(const std::vector<std::int64_t>& ids) {

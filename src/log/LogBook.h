@@ -60,8 +60,13 @@ class LogBook {
   WorkedToday workedToday(std::int64_t nowUtc) const { return WorkedToday(contacts_, nowUtc); }
   bool isOpen() const { return open_; }
 
-  // Called after every change of the contacts or of the view.
-  void observe(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+  // Called after every change of the contacts or of the view; the number
+  // returned ends the observation.
+  std::size_t observe(std::function<void()> observer) {
+    observers_.push_back(std::move(observer));
+    return observers_.size() - 1;
+  }
+  void unobserve(std::size_t observer) { observers_[observer] = nullptr; }
 
  private:
   enum class Change { Add, Edit, Delete, Import };

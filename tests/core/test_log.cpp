@@ -5,8 +5,10 @@
 #include "log/Adif.h"
 #include "log/Draft.h"
 #include "log/LogBook.h"
+#include "log/LogFiles.h"
 #include "log/WorkedToday.h"
 #include "support/FakeLogStore.h"
+#include "support/Fakes.h"
 
 namespace tolvane::log {
 namespace {
@@ -238,6 +240,33 @@ TEST(LogBook, ImportSkipsContactsAlreadyLogged) {
   ASSERT_TRUE(book.undo(error));
   EXPECT_EQ(store.rows.size(), 1u);
   EXPECT_EQ(store.rows.begin()->second.comment, "Grüße aus dem Park");
+}
+
+TEST(LogFiles, ExportThenImportElsewhereAndAgain) {
+  test::FakeLogStore store, other;
+  test::FakeFiles files;
+  LogBook book(store), second(other);
+  std::string error;
+  ASSERT_TRUE(book.open(error) && second.open(error));
+  ASSERT_TRUE(book.add(summitContact(), error));
+  ASSERT_TRUE(book.add(parkContact(), error));
+  FileOutcome out = exportLog(book, files, "/home/op/log.adi", k0315, "1.0");
+  EXPECT_EQ(out.status, "Exported 2 contacts to /home/op/log.adi.");
+  // Oldest first in the file.
+  const std::string& text = files.files["/home/op/log.adi"];
+  EXPECT_LT(text.find("K7CAR"), text.find("W7ABC/P"));
+  files.files["/home/op/log.adi"] += "<CALL:4>N7XY<EOR>\n";
+  out = importLog(second, files, "/home/op/log.adi");
+  EXPECT_EQ(out.status,
+            "Imported 2 contacts from /home/op/log.adi; 0 were already in the log; 1 record could not be read.");
+  EXPECT_EQ(out.problems, std::vector<std::string>{"Record 3 (N7XY): no QSO_DATE"});
+  out = importLog(second, files, "/home/op/log.adi");
+  EXPECT_EQ(out.status,
+            "Imported 0 contacts from /home/op/log.adi; 2 were already in the log; 1 record could not be read.");
+  EXPECT_EQ(other.rows.size(), 2u);
+  files.failWrites = true;
+  EXPECT_FALSE(exportLog(book, files, "/ro/log.adi", k0315, "1.0").ok);
+  EXPECT_FALSE(importLog(second, files, "/missing.adi").ok);
 }
 
 }  // namespace

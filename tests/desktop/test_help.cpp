@@ -23,9 +23,9 @@ struct HelpTest : ::testing::Test {
 };
 
 TEST_F(HelpTest, EveryPageHasItsShortcutAndCtrlFGoesToTheFrequencyField) {
-  const char* pages[] = {"Connection", "Operate", "Memories", "Messages", "Settings", "Spots"};
+  const char* pages[] = {"Connection", "Operate", "Memories", "Messages", "Settings", "Spots", "Log"};
   auto* tabs = binder.widgetAs<QTabWidget>("mainTab");
-  for (int i = 5; i >= 0; --i) {
+  for (int i = 6; i >= 0; --i) {
     QAction* a = action(("goPage" + std::to_string(i)).c_str());
     ASSERT_NE(a, nullptr) << i;
     EXPECT_EQ(a->text().toStdString(), pages[i]);

@@ -318,7 +318,7 @@ TEST_F(WebListKeys, ReturnTunesTheSelectedRowAndTheRowSaysSo) {
   ASSERT_NE(a->tableInterface(), nullptr);
   EXPECT_EQ(a->text(QAccessible::Description), "Keys on the selected row: Return tunes the radio to the spot.");
   EXPECT_EQ(view->toolTip(), a->text(QAccessible::Description));
-  QAccessibleInterface* cell = a->tableInterface()->cellAt(0, 1);
+  QAccessibleInterface* cell = a->tableInterface()->cellAt(0, 2);
   ASSERT_NE(cell, nullptr);
   EXPECT_EQ(cell->text(QAccessible::Name), "K1AAA");
   EXPECT_EQ(cell->text(QAccessible::Description), "Return tunes VFO B to 7.185 MHz, LSB.");

@@ -105,6 +105,8 @@ void MainWindow::buildPage(int index) {
     buildMessagesPage(page);
   else if (index == kPageSettings)
     buildSettingsPage(page);
+  else if (index == kPageLog)
+    emit logPageWanted();  // the log's page and file belong to the log's desk
   else
     buildGenericPage(page, "mainTab", index);
   // Built while it is being shown: what the build put on the page is shown
@@ -216,7 +218,20 @@ void MainWindow::buildMenus() {
   quit->setShortcut(QKeySequence::Quit);
   connect(quit, &QAction::triggered, this, &QWidget::close);
 
-  // Every page has a shortcut, Ctrl+1 to Ctrl+6 in tab order, and Ctrl+F
+  // The hunter's log: Ctrl+L logs a contact from the chosen spot or the radio.
+  QMenu* logMenu = menuBar()->addMenu(QStringLiteral("&Log"));
+  QAction* logContact = logMenu->addAction(QStringLiteral("&Log Contact…"));
+  logContact->setObjectName(QStringLiteral("logContactAction"));
+  logContact->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
+  connect(logContact, &QAction::triggered, this, &MainWindow::logContactRequested);
+  QAction* exportLog = logMenu->addAction(QStringLiteral("&Export ADIF…"));
+  exportLog->setObjectName(QStringLiteral("exportAdifAction"));
+  connect(exportLog, &QAction::triggered, this, &MainWindow::exportAdifRequested);
+  QAction* importLog = logMenu->addAction(QStringLiteral("&Import ADIF…"));
+  importLog->setObjectName(QStringLiteral("importAdifAction"));
+  connect(importLog, &QAction::triggered, this, &MainWindow::importAdifRequested);
+
+  // Every page has a shortcut, Ctrl+1 to Ctrl+7 in tab order, and Ctrl+F
   // puts the focus in the frequency field of the operating page.
   QMenu* go = menuBar()->addMenu(QStringLiteral("&Go"));
   const ui::Control& main = binder_.model().at("mainTab");
@@ -251,6 +266,19 @@ QString aboutText() {
              "This program comes with ABSOLUTELY NO WARRANTY; it is free software, and you may "
              "redistribute it under the terms of that licence.</p>")
       .arg(QCoreApplication::applicationVersion());
+}
+
+void MainWindow::placeLogPage(QWidget* content) {
+  auto* tabs = binder_.widgetAs<QTabWidget>("mainTab");
+  QWidget* page = tabs ? tabs->widget(kPageLog) : nullptr;
+  if (logPlaced_ || !page) return;
+  logPlaced_ = true;
+  auto* v = new QVBoxLayout(page);
+  v->addWidget(content);
+}
+
+void MainWindow::showLogPage() {
+  if (auto* tabs = binder_.widgetAs<QTabWidget>("mainTab")) tabs->setCurrentIndex(kPageLog);
 }
 
 void MainWindow::showAbout() { QMessageBox::about(this, QStringLiteral("About Tolvane"), aboutText()); }

@@ -52,6 +52,11 @@ class MainWindow : public QMainWindow {
   // Builds the pages that wait to be shown first (the pages other than the
   // one shown at start, and the radio's menu pages).
   void buildAllPages();
+  // Puts the Log page's content on its tab (once; the window owns it).
+  void placeLogPage(QWidget* content);
+  bool hasLogPage() const { return logPlaced_; }
+  // Shows the Log page.
+  void showLogPage();
 
  signals:
   // Emitted once, when the window is first painted on screen.
@@ -60,6 +65,12 @@ class MainWindow : public QMainWindow {
   void manualRequested();
   // Preferences > Preferences… (Ctrl+,).
   void preferencesRequested();
+  // The Log page is shown for the first time: its content is wanted.
+  void logPageWanted();
+  // Log > Log Contact… (Ctrl+L), Export ADIF…, Import ADIF….
+  void logContactRequested();
+  void exportAdifRequested();
+  void importAdifRequested();
 
  protected:
   bool event(QEvent* e) override;
@@ -99,6 +110,7 @@ class MainWindow : public QMainWindow {
   // Pages of the main tab view not built yet, in tab order.
   std::vector<FirstShow*> waiting_;
   QBoxLayout* connectionLayout_ = nullptr;
+  bool logPlaced_ = false;
 };
 
 }  // namespace tolvane::desktop

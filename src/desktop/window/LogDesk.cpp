@@ -1,0 +1,65 @@
+#include "desktop/window/LogDesk.h"
+
+#include <QItemSelectionModel>
+#include <QTabWidget>
+#include <QTableView>
+
+#include "app/SerialPortDemoController.h"
+#include "app/WindowLayout.h"
+#include "desktop/window/Binder.h"
+#include "desktop/window/MainWindow.h"
+
+namespace tolvane::desktop {
+
+LogDesk::LogDesk(MainWindow& window, Binder& binder, SerialPortDemoController& controller, platform::Files& files,
+                 platform::Alerts& alerts, QString path)
+    : window_(window),
+      binder_(binder),
+      controller_(controller),
+      files_(files),
+      alerts_(alerts),
+      path_(std::move(path)) {
+  connect(&window, &MainWindow::logPageWanted, this, [this] { page(); });
+  connect(&window, &MainWindow::logContactRequested, this, [this] { logContact(); });
+  connect(&window, &MainWindow::exportAdifRequested, this, [this] { page()->exportAdif(); });
+  connect(&window, &MainWindow::importAdifRequested, this, [this] { page()->importAdif(); });
+  controller_.setLogContactHandler([this](const log::Contact& draft) { page()->logContact(draft); });
+}
+
+LogDesk::~LogDesk() {
+  controller_.setLogContactHandler(nullptr);
+  // The page watches the log: it goes first.
+  delete page_.data();
+}
+
+LogPage* LogDesk::page() {
+  if (page_) return page_;
+  store_ = std::make_unique<SqliteLogStore>(path_);
+  book_ = std::make_unique<log::LogBook>(*store_);
+  std::string error;
+  if (!book_->open(error)) {
+    platform::Alert alert;
+    alert.message = "The log could not be opened.";
+    alert.informativeText = error + "\nContacts logged now cannot be saved.";
+    alerts_.run(alert);
+  }
+  page_ = new LogPage(*book_, files_, alerts_);
+  page_->setDraft([this] { return controller_.contactDraft(); });
+  window_.placeLogPage(page_);
+  return page_;
+}
+
+void LogDesk::logContact() {
+  std::string table;
+  int row = -1;
+  auto* tabs = binder_.widgetAs<QTabWidget>("mainTab");
+  auto* spots = binder_.widgetAs<QTabWidget>("spotsTab");
+  if (tabs && spots && tabs->currentIndex() == kPageSpots && spots->currentIndex() <= 1) {
+    table = spots->currentIndex() == 0 ? "potaTable" : "sotaTable";
+    if (auto* view = binder_.widgetAs<QTableView>(table); view && view->selectionModel())
+      if (const QModelIndex current = view->selectionModel()->currentIndex(); current.isValid()) row = current.row();
+  }
+  page()->logContact(controller_.contactDraft(table, row));
+}
+
+}  // namespace tolvane::desktop
