@@ -71,6 +71,7 @@ void SerialPortDemoController::wireActions() {
     };
     if (endsWith("BandFilter") || endsWith("ModeFilter")) wire(o, &SerialPortDemoController::goSpotFilter);
     if (endsWith("RefreshEvery")) wire(o, &SerialPortDemoController::goRefreshEvery);
+    if (endsWith("HideWorkedCheckBox")) wire(o, &SerialPortDemoController::goHideWorked);
   }
   if (ui::Control* tabs = window_.find("mainTab"))
     tabs->setAction([this](ui::Control& s) { tabSelected(s.titleOfSelectedItem()); });

@@ -18,6 +18,7 @@
 #include "cat/ReceiveBuffer.h"
 #include "log/Contact.h"
 #include "log/SpotRules.h"
+#include "log/WorkedToday.h"
 #include "platform/Platform.h"
 #include "ui/Controls.h"
 #include "ui/Table.h"
@@ -265,6 +266,14 @@ class SerialPortDemoController : public platform::SerialPortListener,
   void goSotaLog(ui::Control& sender);
   // Opens the Log Contact form with a draft (the desktop's form).
   void setLogContactHandler(std::function<void(const log::Contact&)> handler) { logContact_ = std::move(handler); }
+  // Where the spot tables learn what was worked today: the log's contacts of
+  // the UTC day of the time given, asked again when the day changes and after
+  // workedChanged() (the log changed). Spots worked today are marked
+  // "worked", and the filter bar's "Hide worked" hides them.
+  void setWorkedSource(std::function<log::WorkedToday(std::int64_t nowUtc)> source);
+  void workedChanged();
+  log::Marks workedMark(const log::Spot& spot);
+  void goHideWorked(ui::Control& sender);
 
   // ---------------------------------------------------------- conditions (conditions/)
   void refreshBandConditions(std::function<void()> whenShown = nullptr);
@@ -399,6 +408,8 @@ class SerialPortDemoController : public platform::SerialPortListener,
   platform::Services sv_;
   platform::Files* files_ = nullptr;
   std::function<void(const log::Contact&)> logContact_;
+  std::function<log::WorkedToday(std::int64_t)> workedSource_;
+  std::optional<log::WorkedToday> worked_;
   std::string manualAddress_;
   ui::Window& window_;
   platform::SerialPortPtr serialPort_;

@@ -293,6 +293,7 @@ void buildSpotsPage(ui::Window& w, Control& mainTab) {
       std::vector<Entry> modes = titles({"All modes"});
       for (const std::string& m : log::modeFamilies()) modes.push_back(Entry{m, 0, "", false});
       popUp(w, spots, page, list + "ModeFilter", std::move(modes)).selectIndex(0);
+      w.addOn(spots, page, list + "HideWorkedCheckBox", Kind::Button).setTitle("Hide worked");
     }
     if (l.refresh) {
       std::vector<Entry> every;

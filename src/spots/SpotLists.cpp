@@ -73,7 +73,8 @@ void SerialPortDemoController::showSpots(const std::string& table, bool answered
   std::vector<ListRow>* list = spotList(table);
   if (!view || !list) return;
   spots::SpotScreen screen =
-      spots::screenSpots(kindOf(table), *list, view->filter, watch_, view->previous ? &*view->previous : nullptr);
+      spots::screenSpots(kindOf(table), *list, view->filter, watch_, view->previous ? &*view->previous : nullptr,
+                         [this](const log::Spot& spot) { return workedMark(spot); });
   view->shown = std::move(screen.shown);
   view->marks = std::move(screen.marks);
   if (ui::Control* t = control(table)) t->reloadData();
@@ -248,6 +249,11 @@ void SerialPortDemoController::restoreSpotPreferences() {
       (std::string(part) == "BandFilter" ? view->filter.band : view->filter.mode) = saved;
     }
   }
+  for (const char* list : {"pota", "sota"})
+    if (ui::Control* c = control(std::string(list) + "HideWorkedCheckBox"); c && setting(c->outlet()) == "1") {
+      spotView(std::string(list) + "Table")->filter.hideWorked = true;
+      c->setState(1);
+    }
   watchEntries_ = log::WatchList::parse(setting("watchList"));
   watch_ = log::WatchList(watchEntries_);
   for (const char* list : {"pota", "sota", "netLogger", "nets"}) {

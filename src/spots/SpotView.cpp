@@ -18,7 +18,7 @@ log::Spot spotOf(SpotKind kind, const Row& row) {
   } else {
     if (row.size() < 10) return s;
     s.call = trimmed(row[0]);
-    s.reference = trimmed(row[8]);
+    s.reference = trimmed(row[5]);
     s.kilohertz = static_cast<double>(readFloat(row[2]).value_or(0.0f)) * 1000.0;
     s.mode = row[3];
   }

@@ -5,6 +5,8 @@
 
 #include <chrono>
 
+#include "log/WorkedToday.h"
+#include "spots/SpotView.h"
 #include "spots/WebLists.h"
 #include "support/Harness.h"
 
@@ -280,6 +282,53 @@ TEST(SpotView, NoBreakSpacesAreTrimmed) {
   ASSERT_EQ(d.rows.size(), 1u);
   EXPECT_EQ(d.rows[0][7], "North");
   EXPECT_EQ(d.rows[0][8], "4 pts");
+  // A summit spot's reference, for the watch list and the log, is its summit code, not its points.
+  EXPECT_EQ(spots::spotOf(spots::SpotKind::Sota, d.rows[0]).reference, "c");
+}
+
+TEST_F(SpotLists, SpotsWorkedTodayAreMarkedAndHideWorkedHidesThem) {
+  // K7CAR at US-3844 on 20 m SSB, logged at 10:05 today.
+  log::Contact c;
+  c.call = "K7CAR";
+  c.reference = "US-3844";
+  c.frequencyHz = 14285000;
+  c.mode = "SSB";
+  c.submode = "USB";
+  c.utc = 1714557900;
+  std::vector<log::Contact> logged{c};
+  rig.c().setWorkedSource([&logged](std::int64_t now) { return log::WorkedToday(logged, now); });
+  showPota(answer({spot("K7CAR", "14290", "SSB", "US-3844", "2024-05-01T10:17:00"),
+                   spot("K7CAR", "7185", "SSB", "US-3844", "2024-05-01T10:16:00"),
+                   spot("N1AB", "14074", "FT8", "US-0001", "2024-05-01T10:15:00")}));
+  EXPECT_EQ(rig.c().rowMarks(table(), 0), "worked");
+  EXPECT_EQ(rig.c().rowMarks(table(), 1), "");
+  EXPECT_EQ(rig.c().rowMarks(table(), 2), "");
+
+  ui::Control& hide = rig.at("potaHideWorkedCheckBox");
+  EXPECT_EQ(hide.title(), "Hide worked");
+  hide.click();
+  EXPECT_EQ(hide.state(), 1);
+  EXPECT_EQ(calls(), (std::vector<std::string>{"K7CAR", "N1AB"}));
+  EXPECT_EQ(rig.c().cellFor(table(), "frequency", 0)->text, "7185.0");
+  EXPECT_EQ(rig.settings.values["potaHideWorkedCheckBox"], "1");
+  EXPECT_NE(status().find("2 of 3 spots shown."), std::string::npos) << status();
+
+  // A contact just logged hides its spot too; the next UTC day nothing is worked.
+  c.call = "N1AB";
+  c.reference = "US-0001";
+  c.frequencyHz = 14074000;
+  c.mode = "FT8";
+  c.submode = "";
+  logged.push_back(c);
+  rig.c().workedChanged();
+  EXPECT_EQ(calls(), (std::vector<std::string>{"K7CAR"}));
+  rig.c().setWallClock([] { return kNow + 86400; });
+  serve(answer({spot("N1AB", "14074", "FT8", "US-0001", "2024-05-02T10:15:00")}));
+  rig.c().refreshPota();
+  rig.scheduler.advance(2s);
+  EXPECT_EQ(calls(), (std::vector<std::string>{"N1AB"}));
+  hide.click();
+  EXPECT_EQ(rig.settings.values["potaHideWorkedCheckBox"], "0");
 }
 
 }  // namespace

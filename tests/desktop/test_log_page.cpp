@@ -94,6 +94,8 @@ TEST_F(LogPageTest, CtrlLOnASpotLogsItAndTheContactOutlivesTheProgram) {
   LogPage* page = window.findChild<LogPage*>();
   ASSERT_NE(page, nullptr);
   EXPECT_EQ(page->statusText(), "3 contacts");
+  // The spot just logged is marked worked in its list.
+  EXPECT_EQ(rig.c().rowMarks(rig.at("potaTable"), 0), "worked");
   EXPECT_EQ(page->table()->model()->index(0, 1).data().toString(), "K7CAR");
   EXPECT_EQ(page->table()->model()->headerData(2, Qt::Horizontal).toString(), "Park/Summit");
 
@@ -141,6 +143,7 @@ TEST_F(LogPageTest, SearchDeleteUndoExportAndImport) {
 }
 
 TEST_F(LogPageTest, ALogFromANewerProgramIsLeftAlone) {
+  desk.reset();
   {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("newer"));
     QDir().mkpath(dir.filePath(QStringLiteral("data")));
@@ -150,6 +153,9 @@ TEST_F(LogPageTest, ALogFromANewerProgramIsLeftAlone) {
     db.close();
   }
   QSqlDatabase::removeDatabase(QStringLiteral("newer"));
+  desk = std::make_unique<LogDesk>(window, binder, rig.c(), rig.files, rig.alerts, path());
+  EXPECT_EQ(rig.c().rowMarks(rig.at("potaTable"), 0), "");  // the spots are shown, unmarked
+  EXPECT_TRUE(rig.alerts.shown.empty());                    // and nobody is told before the page opens
   desk->page();
   ASSERT_EQ(rig.alerts.shown.size(), 1u);
   EXPECT_EQ(rig.alerts.shown[0].message, "The log could not be opened.");

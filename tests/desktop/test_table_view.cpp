@@ -336,14 +336,14 @@ TEST_F(WebListKeys, ReturnDuringARefreshTunesTheStationOnScreen) {
   rig.at("potaRefreshButton").click();
   rig.scheduler.advance(std::chrono::seconds(1));
   QCoreApplication::processEvents();
-  EXPECT_EQ(view->model()->index(0, 1).data().toString(), "K1AAA");
+  EXPECT_EQ(view->model()->index(0, 2).data().toString(), "K1AAA");
   rig.port->clearWrites();
   QTest::keyClick(view, Qt::Key_Return);
   EXPECT_EQ(rig.written(), "MD01;SF1E;FA007185000;SS0640000;");
   // Once the new list is shown, Return tunes its row.
   rig.scheduler.advance(std::chrono::seconds(1));
   QCoreApplication::processEvents();
-  EXPECT_EQ(view->model()->index(0, 1).data().toString(), "W9NEW");
+  EXPECT_EQ(view->model()->index(0, 2).data().toString(), "W9NEW");
   rig.port->clearWrites();
   QTest::keyClick(view, Qt::Key_Return);
   EXPECT_EQ(rig.written(), "MD02;SF1E;FA021300000;SS0640000;");

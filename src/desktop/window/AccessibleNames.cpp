@@ -181,8 +181,9 @@ QString accessibleNameFor(const ui::Control& c) {
         .arg(t % 100, 2, 10, QChar('0'));
   }
   // The filter bar above a web list: the words of its labels.
-  for (const auto& [suffix, name] : {std::pair{"BandFilter", "Band filter"}, std::pair{"ModeFilter", "Mode filter"},
-                                     std::pair{"RefreshEvery", "Refresh every"}}) {
+  for (const auto& [suffix, name] :
+       {std::pair{"BandFilter", "Band filter"}, std::pair{"ModeFilter", "Mode filter"},
+        std::pair{"RefreshEvery", "Refresh every"}, std::pair{"HideWorkedCheckBox", "Hide worked"}}) {
     const std::string s(suffix);
     if (o.size() > s.size() && o.compare(o.size() - s.size(), s.size(), s) == 0) return QString::fromUtf8(name);
   }

@@ -24,23 +24,34 @@ LogDesk::LogDesk(MainWindow& window, Binder& binder, SerialPortDemoController& c
   connect(&window, &MainWindow::exportAdifRequested, this, [this] { page()->exportAdif(); });
   connect(&window, &MainWindow::importAdifRequested, this, [this] { page()->importAdif(); });
   controller_.setLogContactHandler([this](const log::Contact& draft) { page()->logContact(draft); });
+  // The spot lists mark what was worked today: the log opens with the first list shown.
+  controller_.setWorkedSource(
+      [this](std::int64_t now) { return openBook() ? book_->workedToday(now) : log::WorkedToday(); });
 }
 
 LogDesk::~LogDesk() {
   controller_.setLogContactHandler(nullptr);
+  controller_.setWorkedSource(nullptr);
   // The page watches the log: it goes first.
   delete page_.data();
 }
 
-LogPage* LogDesk::page() {
-  if (page_) return page_;
+bool LogDesk::openBook() {
+  if (book_) return openError_.empty();
   store_ = std::make_unique<SqliteLogStore>(path_);
   book_ = std::make_unique<log::LogBook>(*store_);
-  std::string error;
-  if (!book_->open(error)) {
+  if (!book_->open(openError_) && openError_.empty()) openError_ = "The log could not be read.";
+  // A contact logged, edited, deleted or imported changes what was worked.
+  book_->observe([this] { controller_.workedChanged(); });
+  return openError_.empty();
+}
+
+LogPage* LogDesk::page() {
+  if (page_) return page_;
+  if (!openBook()) {
     platform::Alert alert;
     alert.message = "The log could not be opened.";
-    alert.informativeText = error + "\nContacts logged now cannot be saved.";
+    alert.informativeText = openError_ + "\nContacts logged now cannot be saved.";
     alerts_.run(alert);
   }
   page_ = new LogPage(*book_, files_, alerts_);

@@ -31,6 +31,8 @@ class LogDesk : public QObject {
 
   // The page (made, and the log opened, on the first call).
   LogPage* page();
+  // Opens the log when first needed (the page, or a spot list to mark); false when it cannot be read.
+  bool openBook();
   log::LogBook* book() { return book_.get(); }
   // What Ctrl+L does: the form with the selected spot, else the radio.
   void logContact();
@@ -45,6 +47,7 @@ class LogDesk : public QObject {
   std::unique_ptr<SqliteLogStore> store_;
   std::unique_ptr<log::LogBook> book_;
   QPointer<LogPage> page_;
+  std::string openError_;
 };
 
 }  // namespace tolvane::desktop

@@ -501,14 +501,20 @@ void MainWindow::placeRest(QWidget*, const std::string& tabOutlet, int pageIndex
     if (placed_.count(c->outlet())) continue;
     // A web list's filter bar: its pop-ups side by side above the table, each after its label.
     const std::string& o = c->outlet();
-    const bool filterBar = c->kind() == ui::Kind::PopUp &&
-                           (o.ends_with("BandFilter") || o.ends_with("ModeFilter") || o.ends_with("RefreshEvery"));
+    const bool hideWorked = c->kind() == ui::Kind::Button && o.ends_with("HideWorkedCheckBox");
+    const bool filterBar =
+        hideWorked || (c->kind() == ui::Kind::PopUp &&
+                       (o.ends_with("BandFilter") || o.ends_with("ModeFilter") || o.ends_with("RefreshEvery")));
     if (filterBar) {
       if (!bar) {
         bar = new QHBoxLayout;
         into->addLayout(bar);
       }
-      if (QWidget* w = take(o)) {
+      if (QWidget* w = take(o); w && hideWorked) {
+        // The check box carries its own words.
+        bar->addWidget(w);
+        bar->addSpacing(12);
+      } else if (w) {
         auto* label = new QLabel(accessibleNameFor(*c) + QStringLiteral(":"));
         label->setBuddy(w);
         bar->addWidget(label);
