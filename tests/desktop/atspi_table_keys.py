@@ -155,7 +155,7 @@ def drive(wire):
         node(page).DoAction(0, dbus_interface="org.a11y.atspi.Action")
     if not node(table).AddRowSelection(0, dbus_interface="org.a11y.atspi.Table"):
         fail("selecting the spot's row")
-    cell = node(table).GetAccessibleAt(0, 1, dbus_interface="org.a11y.atspi.Table")
+    cell = node(table).GetAccessibleAt(0, 2, dbus_interface="org.a11y.atspi.Table")
     if str(prop(cell, ACC, "Name")) != "K1AAA":
         fail("the row's first text cell: %r" % str(prop(cell, ACC, "Name")))
     # The VFO is the one the radio last reported (A or B); the row names it.

@@ -369,12 +369,12 @@ TEST_F(WebListKeys, FilterBarNamesAndWatchedRows) {
   rig.at("spotsTab").selectIndex(0);
   rig.c().setWatchList({"K2BBB*"});
   QCoreApplication::processEvents();
-  const QModelIndex call = view->model()->index(1, 1);
+  const QModelIndex call = view->model()->index(1, 2);
   EXPECT_EQ(call.data().toString(), QString::fromUtf8("\u2605 K2BBB"));
   EXPECT_EQ(call.data(Qt::AccessibleTextRole).toString(), "K2BBB");
   EXPECT_EQ(call.data(Qt::AccessibleDescriptionRole).toString(), "watched. Return tunes VFO A to 14.074 MHz, USB.");
-  EXPECT_EQ(view->model()->index(0, 1).data().toString(), "K1AAA");
-  EXPECT_FALSE(view->model()->index(0, 1).data(Qt::BackgroundRole).isValid());
+  EXPECT_EQ(view->model()->index(0, 2).data().toString(), "K1AAA");
+  EXPECT_FALSE(view->model()->index(0, 2).data(Qt::BackgroundRole).isValid());
   EXPECT_TRUE(call.data(Qt::BackgroundRole).isValid());
 
   // A right click on K1AAA's row offers "Watch this station", which adds it.
@@ -386,13 +386,13 @@ TEST_F(WebListKeys, FilterBarNamesAndWatchedRows) {
     menu->setActiveAction(menu->actions().front());
     QTest::keyClick(menu, Qt::Key_Return);
   });
-  const QPoint at = view->visualRect(view->model()->index(0, 1)).center();
+  const QPoint at = view->visualRect(view->model()->index(0, 2)).center();
   QContextMenuEvent click(QContextMenuEvent::Mouse, at, view->viewport()->mapToGlobal(at));
   QApplication::sendEvent(view->viewport(), &click);
   EXPECT_EQ(offered, "Watch this station");
   EXPECT_EQ(rig.c().watchList(), (std::vector<std::string>{"K2BBB*", "K1AAA"}));
   QCoreApplication::processEvents();
-  EXPECT_EQ(view->model()->index(0, 1).data(Qt::AccessibleDescriptionRole).toString(),
+  EXPECT_EQ(view->model()->index(0, 2).data(Qt::AccessibleDescriptionRole).toString(),
             "watched. Return tunes VFO A to 7.185 MHz, LSB.");
 
   // The band filter from the pop-up itself: 20 m leaves K2BBB alone.
@@ -400,7 +400,7 @@ TEST_F(WebListKeys, FilterBarNamesAndWatchedRows) {
   emit band->activated(band->currentIndex());
   QCoreApplication::processEvents();
   ASSERT_EQ(view->model()->rowCount(), 1);
-  EXPECT_EQ(view->model()->index(0, 1).data(Qt::AccessibleTextRole).toString(), "K2BBB");
+  EXPECT_EQ(view->model()->index(0, 2).data(Qt::AccessibleTextRole).toString(), "K2BBB");
 }
 
 TEST_F(WebListKeys, OnTheNetsListCtrlReturnConfirmsAndDeleteWithdraws) {
