@@ -203,6 +203,11 @@ int main(int argc, char** argv) {
   share::ControllerRig sharedRig(controller);
   desktop::RigctlServer rigctld(sharedRig, share::RigctlOptions{"Tolvane " TOLVANE_VERSION}, log);
   desktop::FlrigServer flrig(sharedRig, share::FlrigOptions{}, log);
+  // Reads that wait for the radio (meters on demand) finish when it answers.
+  sharedRig.changed = [&rigctld, &flrig] {
+    rigctld.radioAnswered();
+    flrig.radioAnswered();
+  };
   desktop::ShareConfig shareConfig = desktop::ShareConfig::load(settings);
   if (options.rigctldPort >= 0) {
     shareConfig.rigctldOn = options.rigctldPort > 0;

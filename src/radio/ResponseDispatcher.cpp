@@ -15,6 +15,9 @@ bool startsWith(std::string_view s, std::string_view p) {
 
 void SerialPortDemoController::dispatchResponse(std::string_view text) {
   std::size_t start = 0;
+  // After "PS1" the window handles nothing more of this delivery; the rig
+  // sharing still sees every answer, so its state misses none of them.
+  bool observeOnly = false;
   while (start < text.size()) {
     std::size_t end = text.find(';', start);
     if (end == std::string_view::npos) end = text.size();
@@ -29,6 +32,7 @@ void SerialPortDemoController::dispatchResponse(std::string_view text) {
     }
 
     if (answerObserver) answerObserver(piece);
+    if (observeOnly) continue;
     if (!piece.empty() && piece[0] == '?' && tlMemRead == "run") memoryReadEmptyChannel();
 
     // Group 1: the first two characters.
@@ -95,8 +99,9 @@ void SerialPortDemoController::dispatchResponse(std::string_view text) {
     if (piece.size() >= 8 && startsWith(piece, "EX") && menu::isMenuItem(piece.substr(2, 6))) handleMenuAnswer(piece);
 
     // Group 5: the whole piece.
-    if (piece == "PS1") return;  // the rest of this delivery is not handled
-    if (piece == "PS0")
+    if (piece == "PS1")
+      observeOnly = true;  // the rest of this delivery is not handled
+    else if (piece == "PS0")
       handlePowerOff();
     else if (piece == "VS0")
       handleSideSelection('A');

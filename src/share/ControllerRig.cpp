@@ -1,74 +1,56 @@
 // The sharing servers' view of the controller.
 #include "share/ControllerRig.h"
 
+#include <chrono>
+
 #include "app/SerialPortDemoController.h"
-#include "cat/Framing.h"
 
 namespace tolvane::share {
 
-namespace {
-
-std::uint64_t hertz(const std::string& nineDigits) {
-  if (nineDigits.size() != 9) return 0;
-  for (char c : nineDigits)
-    if (c < '0' || c > '9') return 0;
-  return static_cast<std::uint64_t>(cat::decimalValue(nineDigits));
-}
-
-}  // namespace
-
-void applyReport(std::string_view answer, std::optional<bool>& powerOn, std::optional<bool>& transmitting,
-                 std::optional<bool>& split, std::optional<int>& sMeter) {
-  if (answer.size() == 3 && answer[2] >= '0' && answer[2] <= '2') {
-    const std::string_view head = answer.substr(0, 2);
-    const bool on = answer[2] != '0';
-    if (head == "TX") transmitting = on;
-    if (head == "ST" && answer[2] != '2') split = on;
-    if (head == "PS" && answer[2] != '2') {
-      powerOn = on;
-      if (!on) transmitting = false;
-    }
-    return;
-  }
-  if (answer.size() == 9 && answer.substr(0, 3) == "RM1") {
-    int reading = 0;
-    for (char c : answer.substr(3, 3)) {
-      if (c < '0' || c > '9') return;
-      reading = reading * 10 + (c - '0');
-    }
-    sMeter = reading;
-  }
-}
-
-ControllerRig::ControllerRig(SerialPortDemoController& controller) : controller_(controller) {
+ControllerRig::ControllerRig(SerialPortDemoController& controller, Clock clock)
+    : controller_(controller), clock_(std::move(clock)) {
   controller_.answerObserver = [this](std::string_view answer) { observe(answer); };
 }
 
 ControllerRig::~ControllerRig() { controller_.answerObserver = nullptr; }
 
-void ControllerRig::observe(std::string_view answer) { applyReport(answer, powerOn_, transmitting_, split_, sMeter_); }
+void ControllerRig::observe(std::string_view answer) {
+  reports_.apply(answer, nowMs());
+  if (changed) changed();
+}
+
+std::int64_t ControllerRig::nowMs() const {
+  if (clock_) return clock_();
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+bool ControllerRig::linkOpen() const {
+  const platform::SerialPortPtr port = controller_.serialPort();
+  return port && port->isOpen();
+}
 
 RigState ControllerRig::state() const {
-  RigState s;
-  const platform::SerialPortPtr port = controller_.serialPort();
-  s.linkOpen = port && port->isOpen();
-  s.freqA = hertz(controller_.tlFreqA);
-  s.freqB = hertz(controller_.tlFreqB);
-  s.vfo = controller_.tlAorB == "B" ? 'B' : 'A';
-  s.modeCode = modeCodeForRadioName(controller_.tlMode);
-  s.powerOn = powerOn_;
-  s.split = split_;
-  s.sMeter = sMeter_;
+  RigState s = reports_.state();
+  s.linkOpen = linkOpen();
   // With the port closed the radio cannot be keyed from here.
-  s.transmitting = s.linkOpen ? transmitting_ : std::optional<bool>(false);
+  if (!s.linkOpen) s.transmitting = false;
   return s;
 }
 
 bool ControllerRig::send(std::string_view commands) {
-  const platform::SerialPortPtr port = controller_.serialPort();
-  if (!port || !port->isOpen()) return false;
-  controller_.transmit(commands);
+  if (!linkOpen()) return false;
+  const std::string readBack = reports_.wrote(commands);
+  controller_.transmit(std::string(commands) + readBack);
   return true;
+}
+
+bool ControllerRig::refresh(Reading r) {
+  const std::int64_t now = nowMs();
+  if (!linkOpen() || reports_.fresh(r, now)) return true;
+  const std::string q = reports_.query(r, now);
+  if (!q.empty()) controller_.transmit(q);
+  return false;
 }
 
 }  // namespace tolvane::share

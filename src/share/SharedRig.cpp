@@ -85,4 +85,13 @@ std::string frequencyCommand(char vfo, std::uint64_t hertz) {
   return std::string(vfo == 'B' ? "FB" : "FA") + cat::frequencyDigits(hertz) + ";";
 }
 
+std::string modeCommand(bool sideInUse, char code) { return std::string(sideInUse ? "MD0" : "MD1") + code + ";"; }
+
+char modeCodeForAnyCaseName(std::string_view name) {
+  std::string upper(name);
+  for (char& c : upper)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return modeCodeForClientName(upper);
+}
+
 }  // namespace tolvane::share

@@ -100,7 +100,20 @@ Transceiver::Handled Transceiver::controlCommand(std::string_view name, std::str
       return false;
     case key('R', 'M'):
       if (p.size() != 1 || p[0] < '0' || p[0] > '9') return false;
-      return reply("RM" + std::string(p) + padded(p == "1" ? static_cast<std::uint64_t>(s.sMeter) : 0, 3) + "000");
+      {
+        // Meter 1 is the S-meter, 5 the output power (full scale at 100 W) while transmitting.
+        std::uint64_t reading = 0;
+        if (p == "1") reading = static_cast<std::uint64_t>(s.sMeter);
+        if (p == "5" && s.transmitting) reading = static_cast<std::uint64_t>(s.power * 255 / 100);
+        return reply("RM" + std::string(p) + padded(reading, 3) + "000");
+      }
+    case key('K', 'S'):
+      if (p.empty()) return reply("KS" + padded(static_cast<std::uint64_t>(s.keyerSpeed), 3));
+      if (digits(p, 3) && number(p) >= 4 && number(p) <= 60) {
+        s.keyerSpeed = static_cast<int>(number(p));
+        return true;
+      }
+      return false;
     case key('A', 'C'):
       if (p.empty()) return reply("AC" + s.tuner);
       if (!digits(p, 3) || p[0] != '0' || p[1] != '0' || p[2] > '2') return false;

@@ -89,6 +89,7 @@ struct State {
   std::array<std::string, 10> scope{};  // SS0 settings 0..9, five characters each
   char meter = '0';                     // meter shown (MS)
   int power = 100;                      // watts, 5..100
+  int keyerSpeed = 20;                  // words per minute, 4..60
   int sMeter = 0;                       // reading 0..255
   std::string tuner = "000";
   std::array<std::uint64_t, 13> bandFrequency{};

@@ -62,20 +62,50 @@ class ShareEndToEnd : public ::testing::Test {
 };
 
 TEST_F(ShareEndToEnd, RigctldProtocolClientReadsSetsAndKeys) {
-  EXPECT_EQ(rigctl(2, rigctldPort, "f m"), "14074000\nPKTUSB\n3000\n");
+  // The server works in VFO mode: the client names the VFO of each command.
+  EXPECT_EQ(rigctl(2, rigctldPort, "f VFOA m VFOA"), "14074000\nPKTUSB\n3000\n");
   const std::size_t before = wire().size();
-  EXPECT_EQ(rigctl(2, rigctldPort, "F 7074000 M USB 0 T 1"), "");
+  EXPECT_EQ(rigctl(2, rigctldPort, "F VFOA 7074000 M VFOA USB 0 T VFOA 1"), "");
   EXPECT_TRUE(fileShows(dir + "/wire.log", "FA007074000;"));
   EXPECT_TRUE(fileShows(dir + "/wire.log", "MD02;"));
   EXPECT_TRUE(fileShows(dir + "/wire.log", "TX1;"));
   EXPECT_TRUE(fileShows(dir + "/app.err", "trace title tlFreqAButton 7.074.000 "));
-  EXPECT_EQ(rigctl(2, rigctldPort, "f m t"), "7074000\nUSB\n2400\n1\n");
-  EXPECT_EQ(rigctl(2, rigctldPort, "T 0 t"), "0\n");
+  EXPECT_EQ(rigctl(2, rigctldPort, "f VFOA m VFOA t VFOA"), "7074000\nUSB\n2400\n1\n");
+  EXPECT_EQ(rigctl(2, rigctldPort, "T VFOA 0 t VFOA"), "0\n");
   EXPECT_TRUE(fileShows(dir + "/wire.log", "TX0;"));
-  // Reads cost nothing on the line: no frequency or mode query since the settings.
+  // Reads cost nothing on the line: the only frequency and mode queries since
+  // the settings are the read-backs that follow the writes.
   const std::string after = wire().substr(before);
-  EXPECT_EQ(after.find(" FA;"), std::string::npos) << after;
-  EXPECT_EQ(after.find(" MD0;"), std::string::npos) << after;
+  const auto count = [&after](const std::string& what) {
+    std::size_t n = 0;
+    for (std::size_t at = after.find(what); at != std::string::npos; at = after.find(what, at + 1)) ++n;
+    return n;
+  };
+  EXPECT_EQ(count(" FA;"), 1u) << after;
+  EXPECT_EQ(count(" MD0;"), 1u) << after;
+  EXPECT_NE(after.find(" FA007074000;\n"), std::string::npos) << after;
+}
+
+// WSJT-X's "Rig" split through both protocols: the transmit frequency and
+// mode go to VFO B, never A; the side in use is the one the radio reports,
+// although the on-open read reports VFO B's frequency last.
+TEST_F(ShareEndToEnd, SplitAndTheSideTheRadioReports) {
+  EXPECT_EQ(rigctl(2, rigctldPort, "v"), "VFOA\n");
+  const std::size_t before = wire().size();
+  EXPECT_EQ(rigctl(2, rigctldPort, "S VFOA 1 VFOB I VFOA 14076000 X VFOA PKTUSB 3000"), "");
+  EXPECT_TRUE(fileShows(dir + "/wire.log", "FB014076000;"));
+  EXPECT_TRUE(fileShows(dir + "/wire.log", "MD1C;"));
+  const std::string split = wire().substr(before);
+  EXPECT_NE(split.find("ST1;"), std::string::npos) << split;
+  EXPECT_EQ(split.find("FA014076000;"), std::string::npos) << split;
+  EXPECT_EQ(rigctl(2, rigctldPort, "v s VFOA i VFOA x VFOA f VFOA"),
+            "VFOA\n1\nVFOB\n14076000\nPKTUSB\n3000\n14074000\n");
+  EXPECT_EQ(rigctl(4, flrigPort, "s i"), "1\nVFOB\n14076000\n");
+  EXPECT_EQ(rigctl(4, flrigPort, "S 0 VFOA s"), "0\nVFOA\n");
+  EXPECT_TRUE(fileShows(dir + "/wire.log", "ST0;"));
+  // The S-meter on demand: one query, and a number, not an error.
+  EXPECT_EQ(rigctl(4, flrigPort, "l STRENGTH"), "-54\n");
+  EXPECT_TRUE(fileShows(dir + "/wire.log", "RM1;"));
 }
 
 TEST_F(ShareEndToEnd, XmlRpcClientReadsSetsAndKeys) {

@@ -205,6 +205,80 @@ TEST_F(Servers, XmlRpcOverHttp) {
   EXPECT_TRUE(answer.contains("<value>unknown method rig.warp</value>")) << answer.constData();
 }
 
+// A web page in a browser on this computer: a cross-origin "simple" POST
+// (text/plain, an Origin), a form, and a page reaching the port through a
+// name of its own (DNS rebinding). None of them reaches the radio.
+TEST_F(Servers, WebPagesAreRefused) {
+  FlrigServer flrig(rig, share::FlrigOptions{}, log);
+  RigctlServer rigctld(rig, share::RigctlOptions{}, log);
+  const quint16 port = freePort(), rigctlPort = freePort();
+  ASSERT_TRUE(flrig.start(QHostAddress::LocalHost, port));
+  ASSERT_TRUE(rigctld.start(QHostAddress::LocalHost, rigctlPort));
+  const QByteArray keying =
+      "<methodCall><methodName>rig.set_ptt</methodName><params><param><value><i4>1</i4></value></param></params>"
+      "</methodCall>";
+  auto post = [](quint16 to, const QByteArray& headers, const QByteArray& body) {
+    QTcpSocket s;
+    s.connectToHost(QHostAddress::LocalHost, to);
+    (void)QTest::qWaitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
+    s.write("POST /RPC2 HTTP/1.1\r\n" + headers + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" +
+            body);
+    QByteArray got;
+    (void)QTest::qWaitFor([&] {
+      got += s.readAll();
+      return s.state() != QAbstractSocket::ConnectedState || got.contains("</methodResponse>");
+    });
+    return got + s.readAll();
+  };
+  const std::pair<QByteArray, const char*> refused[] = {
+      {"Host: 127.0.0.1\r\nContent-Type: text/plain\r\nOrigin: http://example.org\r\n", "from web pages"},
+      {"Host: 127.0.0.1\r\nContent-Type: text/plain\r\n", "Content-Type text/xml"},
+      {"Host: 127.0.0.1\r\nContent-Type: application/x-www-form-urlencoded\r\n", "Content-Type text/xml"},
+      {"Host: 127.0.0.1\r\n", "Content-Type text/xml"},
+      {"Host: attacker.example:12345\r\nContent-Type: text/xml\r\n", "Unknown Host"},
+  };
+  for (const auto& [headers, why] : refused) {
+    const QByteArray answer = post(port, headers, keying);
+    EXPECT_TRUE(answer.startsWith("HTTP/1.1 403 Forbidden\r\n")) << answer.constData();
+    EXPECT_TRUE(answer.contains(why)) << answer.constData();
+  }
+  EXPECT_EQ(rig.sent, "");
+  // The same call from a program, with the listening address as its Host.
+  EXPECT_TRUE(post(port, "Host: localhost:12345\r\nContent-Type: text/xml; charset=utf-8\r\n", keying)
+                  .startsWith("HTTP/1.1 200 OK\r\n"));
+  EXPECT_EQ(rig.sent, "TX1;");
+  // The rigctld port closes on an HTTP request line without acting on the body.
+  rig.sent.clear();
+  EXPECT_EQ(post(rigctlPort, "Host: 127.0.0.1\r\nContent-Type: text/plain\r\n", "T 1\n"), "");
+  EXPECT_EQ(rig.sent, "");
+}
+
+TEST_F(Servers, AllowListAndAWarningForAnyAddressButLoopback) {
+  RigctlServer server(rig, share::RigctlOptions{}, log);
+  server.setAllowedClients({QHostAddress("192.0.2.7")});
+  const quint16 port = freePort();
+  ASSERT_TRUE(server.start(QHostAddress::Any, port));
+  const std::string where = "0.0.0.0:" + std::to_string(port);
+  EXPECT_EQ(server.status().toStdString(), "Listening on " + where + ", not only this computer: anyone who can reach " +
+                                               where + " can tune the radio and key the transmitter");
+  EXPECT_EQ(log.lines.at(1),
+            "Rig sharing: the rigctld server listens on not only this computer: anyone who can reach " + where +
+                " can tune the radio and key the transmitter");
+  QTcpSocket client;
+  client.connectToHost(QHostAddress::LocalHost, port);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return client.state() == QAbstractSocket::UnconnectedState; }));
+  EXPECT_TRUE(server.clients().empty());
+  EXPECT_NE(log.lines.back().find("turned away: not in the allowed addresses"), std::string::npos) << log.lines.back();
+  bool ok = true;
+  ShareConfig c;
+  c.allowedClients = QStringLiteral("192.0.2.7, ::1 10.0.0.1");
+  EXPECT_EQ(c.allowedAddresses(&ok).size(), 3);
+  EXPECT_TRUE(ok);
+  c.allowedClients = QStringLiteral("192.0.2.7 shack-pc");
+  c.allowedAddresses(&ok);
+  EXPECT_FALSE(ok);
+}
+
 TEST_F(Servers, XmlRpcDropsARequestOverOneMebibyte) {
   FlrigServer server(rig, share::FlrigOptions{}, log);
   const quint16 port = freePort();

@@ -2,7 +2,11 @@
 
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
+#include <QNetworkInterface>
+#include <QPointer>
+#include <QRegularExpression>
 #include <QTcpSocket>
+#include <list>
 
 #include "desktop/servers/XmlRpcReader.h"
 
@@ -26,7 +30,17 @@ QString peer(const QTcpSocket* s) {
 // ------------------------------------------------------------------ common
 
 ShareServer::ShareServer(QString name, platform::ConsoleLog& log, QObject* parent)
-    : QObject(parent), log_(log), name_(std::move(name)) {}
+    : QObject(parent), log_(log), name_(std::move(name)) {
+  waitTimer_.setInterval(250);
+  connect(&waitTimer_, &QTimer::timeout, this, [this] { radioAnswered(); });
+}
+
+bool ShareServer::allowed(const QHostAddress& client) const {
+  if (allowed_.isEmpty()) return true;
+  for (const QHostAddress& a : allowed_)
+    if (a.isEqual(client, QHostAddress::ConvertV4MappedToIPv4)) return true;
+  return false;
+}
 
 std::vector<ShareClient> ShareServer::clients() const {
   std::vector<ShareClient> out;
@@ -49,11 +63,19 @@ bool ShareServer::start(const QHostAddress& address, quint16 port) {
   port_ = port;
   status_ = QStringLiteral("Listening on ") + where;
   log_.line(("Rig sharing: the " + name_ + " server listens on " + where).toStdString());
+  if (!address.isLoopback()) {
+    // Every start says so: there is no password on either protocol.
+    const QString warning = QStringLiteral("not only this computer: anyone who can reach ") + where +
+                            QStringLiteral(" can tune the radio and key the transmitter");
+    status_ += QStringLiteral(", ") + warning;
+    log_.line(("Rig sharing: the " + name_ + " server listens on " + warning).toStdString());
+  }
   emit changed();
   return true;
 }
 
 void ShareServer::stop() {
+  waitTimer_.stop();
   const bool was = listening_;
   listening_ = false;
   port_ = 0;
@@ -126,6 +148,13 @@ void RigctlServer::stop() {
 
 void RigctlServer::accept() {
   while (QTcpSocket* socket = server_.nextPendingConnection()) {
+    if (!allowed(socket->peerAddress())) {
+      log_.line(
+          ("Rig sharing: rigctld client " + peer(socket) + " turned away: not in the allowed addresses").toStdString());
+      socket->abort();
+      socket->deleteLater();
+      continue;
+    }
     if (sessions_.size() >= kMaxClients) {
       log_.line(
           ("Rig sharing: rigctld client " + peer(socket) + " turned away: too many programs connected").toStdString());
@@ -152,18 +181,41 @@ void RigctlServer::read(QTcpSocket* socket) {
   const std::string answer =
       session.receive(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
   clientHeard(socket);
+  deliver(socket, session, answer);
+}
+
+bool RigctlServer::deliver(QTcpSocket* socket, share::RigctlSession& session, const std::string& answer) {
   if (!answer.empty()) {
     socket->write(answer.data(), static_cast<qint64>(answer.size()));
     // Sent now, not on the event loop's next pass: a polling client waits for it.
     socket->flush();
   }
   if (socket->bytesToWrite() > kMaxUnread) {
-    sessions_.erase(it);
+    sessions_.erase(socket);
     dropClient(socket, QStringLiteral("it does not read its answers"));
     socket->deleteLater();
-    return;
+    return false;
   }
-  if (session.finished()) socket->disconnectFromHost();
+  if (session.finished()) {
+    socket->disconnectFromHost();
+    return false;
+  }
+  if (session.waiting() && !waitTimer_.isActive()) waitTimer_.start();
+  return true;
+}
+
+void RigctlServer::radioAnswered() {
+  bool waiting = false;
+  std::vector<QTcpSocket*> sockets;
+  for (auto& [socket, session] : sessions_)
+    if (session->waiting()) sockets.push_back(socket);
+  for (QTcpSocket* socket : sockets) {
+    const auto it = sessions_.find(socket);
+    if (it == sessions_.end()) continue;
+    share::RigctlSession& session = *it->second;
+    if (deliver(socket, session, session.resume()) && session.waiting()) waiting = true;
+  }
+  if (!waiting) waitTimer_.stop();
 }
 
 // ------------------------------------------------------------------ XML-RPC over HTTP
@@ -181,7 +233,7 @@ class FlrigServer::Listener : public QTcpServer {
       delete socket;
       return;
     }
-    if (owner_.clients().size() >= kMaxClients) {
+    if (owner_.clients().size() >= kMaxClients || !owner_.allowed(socket->peerAddress())) {
       socket->abort();
       socket->deleteLater();
       return;
@@ -202,10 +254,64 @@ class FlrigServer::Listener : public QTcpServer {
   FlrigServer& owner_;
 };
 
+namespace {
+
+// The Host header of a request for this server: the listening address,
+// "localhost" or an address of this computer, with or without the port. A
+// web page reaching the server through a name of its own (DNS rebinding)
+// carries that name.
+bool hostAllowed(const QByteArray& header, const QHostAddress& listening) {
+  if (header.isEmpty()) return true;
+  QString host = QString::fromLatin1(header).trimmed();
+  if (host.startsWith(QLatin1Char('['))) {
+    host = host.mid(1, host.indexOf(QLatin1Char(']')) - 1);
+  } else if (host.count(QLatin1Char(':')) == 1) {
+    host = host.left(host.indexOf(QLatin1Char(':')));
+  }
+  if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0) return true;
+  const QHostAddress address(host);
+  if (address.isNull()) return false;
+  if (address.isEqual(listening, QHostAddress::ConvertV4MappedToIPv4) || address.isLoopback()) return true;
+  for (const QHostAddress& own : QNetworkInterface::allAddresses())
+    if (address.isEqual(own, QHostAddress::ConvertV4MappedToIPv4)) return true;
+  return false;
+}
+
+// Why a request is refused before it is read: a web page's request carries
+// an Origin, or a content type other than XML; a rebinding name a foreign
+// Host. Empty when the request may go on.
+QByteArray refusal(const QHttpServerRequest& request, const QHostAddress& listening) {
+  if (!request.value("Origin").isEmpty()) return "Requests from web pages are refused\n";
+  const QByteArray type = request.value("Content-Type").trimmed().toLower();
+  if (type != "text/xml" && !type.startsWith("text/xml;")) return "XML-RPC takes Content-Type text/xml\n";
+  if (!hostAllowed(request.value("Host"), listening)) return "Unknown Host\n";
+  return {};
+}
+
+}  // namespace
+
 class FlrigServer::Http : public QAbstractHttpServer {
  public:
   explicit Http(FlrigServer& owner) : owner_(owner), listener_(new Listener(owner)) { listener_->setParent(this); }
   Listener* listener() { return listener_; }
+
+  // Answers the calls that waited for the radio, now that it answered or
+  // their time has passed; true while some still wait.
+  bool resume() {
+    for (auto it = waiting_.begin(); it != waiting_.end();) {
+      if (!it->socket) {
+        it = waiting_.erase(it);
+        continue;
+      }
+      if (const auto answer = share::flrigAnswer(owner_.rig_, it->call, owner_.options_, it->wait)) {
+        it->responder->write(QByteArray::fromStdString(*answer), QByteArray("text/xml"));
+        it = waiting_.erase(it);
+      } else {
+        ++it;
+      }
+    }
+    return !waiting_.empty();
+  }
 
  protected:
   bool handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) override {
@@ -217,6 +323,13 @@ class FlrigServer::Http : public QAbstractHttpServer {
                       QHttpServerResponder::StatusCode::MethodNotAllowed);
       return true;
     }
+    const QByteArray why = refusal(request, listener_->serverAddress());
+    if (!why.isEmpty()) {
+      owner_.log_.line(("Rig sharing: flrig XML-RPC request refused: " + why.trimmed()).toStdString());
+      responder.write(why, QByteArray("text/plain"), QHttpServerResponder::StatusCode::Forbidden);
+      socket->disconnectFromHost();
+      return true;
+    }
     const QByteArray body = request.body();
     if (body.size() > kMaxBody) {
       responder.write(QByteArray("Request body over 1 MiB\n"), QByteArray("text/plain"),
@@ -225,19 +338,35 @@ class FlrigServer::Http : public QAbstractHttpServer {
       return true;
     }
     QString error;
-    std::string answer;
-    if (const auto call = readXmlRpcCall(body, &error))
-      answer = share::flrigResponse(owner_.rig_, *call, owner_.options_);
-    else
-      answer = share::xmlRpcFault(-32700, "not a well-formed method call: " + error.toStdString());
-    responder.write(QByteArray::fromStdString(answer), xml);
+    const auto call = readXmlRpcCall(body, &error);
+    if (!call) {
+      responder.write(QByteArray::fromStdString(
+                          share::xmlRpcFault(-32700, "not a well-formed method call: " + error.toStdString())),
+                      xml);
+      return true;
+    }
+    share::FlrigWait wait;
+    if (const auto answer = share::flrigAnswer(owner_.rig_, *call, owner_.options_, wait)) {
+      responder.write(QByteArray::fromStdString(*answer), xml);
+      return true;
+    }
+    // The call waits for the radio's answer, at most a second.
+    waiting_.push_back(Waiting{*call, wait, std::make_unique<QHttpServerResponder>(std::move(responder)), socket});
+    if (!owner_.waitTimer_.isActive()) owner_.waitTimer_.start();
     return true;
   }
   void missingHandler(const QHttpServerRequest&, QTcpSocket*) override {}
 
  private:
+  struct Waiting {
+    share::XmlRpcCall call;
+    share::FlrigWait wait;
+    std::unique_ptr<QHttpServerResponder> responder;
+    QPointer<QTcpSocket> socket;
+  };
   FlrigServer& owner_;
   Listener* listener_;
+  std::list<Waiting> waiting_;
 };
 
 FlrigServer::FlrigServer(share::SharedRig& rig, share::FlrigOptions options, platform::ConsoleLog& log, QObject* parent)
@@ -263,6 +392,10 @@ void FlrigServer::stop() {
   ShareServer::stop();
 }
 
+void FlrigServer::radioAnswered() {
+  if (!http_ || !http_->resume()) waitTimer_.stop();
+}
+
 }  // namespace tolvane::desktop
 
 namespace tolvane::desktop {
@@ -281,6 +414,7 @@ ShareConfig ShareConfig::load(const platform::SettingsStore& settings) {
   c.flrigPort = port("shareFlrigPort", c.flrigPort);
   if (!QHostAddress(text("shareAddress")).isNull()) c.address = text("shareAddress");
   if (!text("shareTransceiver").trimmed().isEmpty()) c.transceiver = text("shareTransceiver").trimmed();
+  c.allowedClients = text("shareAllowedClients").trimmed();
   return c;
 }
 
@@ -291,10 +425,28 @@ void ShareConfig::save(platform::SettingsStore& settings) const {
   settings.setValue("shareFlrigPort", std::to_string(flrigPort));
   settings.setValue("shareAddress", address.toStdString());
   settings.setValue("shareTransceiver", transceiver.toStdString());
+  settings.setValue("shareAllowedClients", allowedClients.trimmed().toStdString());
+}
+
+QList<QHostAddress> ShareConfig::allowedAddresses(bool* ok) const {
+  QList<QHostAddress> out;
+  if (ok) *ok = true;
+  static const QRegularExpression separators(QStringLiteral("[\\s,]+"));
+  for (const QString& part : allowedClients.split(separators, Qt::SkipEmptyParts)) {
+    const QHostAddress a(part);
+    if (a.isNull()) {
+      if (ok) *ok = false;
+      continue;
+    }
+    out.push_back(a);
+  }
+  return out;
 }
 
 void applyShareConfig(const ShareConfig& config, RigctlServer& rigctld, FlrigServer& flrig) {
   const QHostAddress address(config.address);
+  rigctld.setAllowedClients(config.allowedAddresses());
+  flrig.setAllowedClients(config.allowedAddresses());
   rigctld.start(address, config.rigctldOn ? static_cast<quint16>(config.rigctldPort) : 0);
   flrig.setTransceiverName(config.transceiver.toStdString());
   flrig.start(address, config.flrigOn ? static_cast<quint16>(config.flrigPort) : 0);

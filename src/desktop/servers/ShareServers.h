@@ -8,6 +8,7 @@
 #include <QHostAddress>
 #include <QObject>
 #include <QTcpServer>
+#include <QTimer>
 #include <map>
 #include <memory>
 #include <vector>
@@ -39,9 +40,15 @@ class ShareServer : public QObject {
   std::vector<ShareClient> clients() const;
 
   // Starts listening (port 0 turns the server off); false with one line on
-  // the console log when the address cannot be had.
+  // the console log when the address cannot be had. Listening on anything
+  // but this computer's own loopback says so, with the address, every start.
   bool start(const QHostAddress& address, quint16 port);
   virtual void stop();
+  // Only these client addresses are served (all when empty).
+  void setAllowedClients(QList<QHostAddress> allowed) { allowed_ = std::move(allowed); }
+  bool allowed(const QHostAddress& client) const;
+  // The radio has answered: reads that wait for it are finished.
+  virtual void radioAnswered() {}
 
   // Bytes a client may leave unread before it is dropped.
   static constexpr qint64 kMaxUnread = 1 << 20;
@@ -56,8 +63,11 @@ class ShareServer : public QObject {
   void clientGone(QTcpSocket* socket);
   void dropClient(QTcpSocket* socket, const QString& why);
   platform::ConsoleLog& log_;
+  // Runs radioAnswered() every quarter second while a read waits.
+  QTimer waitTimer_;
 
  private:
+  QList<QHostAddress> allowed_;
   QString name_;
   QString status_ = QStringLiteral("Off");
   bool listening_ = false;
@@ -72,6 +82,7 @@ class RigctlServer : public ShareServer {
                QObject* parent = nullptr);
   ~RigctlServer() override;
   void stop() override;
+  void radioAnswered() override;
 
  protected:
   bool listenOn(const QHostAddress& address, quint16 port, QString* error) override;
@@ -79,6 +90,8 @@ class RigctlServer : public ShareServer {
  private:
   void accept();
   void read(QTcpSocket* socket);
+  // Sends a session's answer; false when the client was dropped or closed.
+  bool deliver(QTcpSocket* socket, share::RigctlSession& session, const std::string& answer);
 
   share::SharedRig& rig_;
   share::RigctlOptions options_;
@@ -96,6 +109,7 @@ class FlrigServer : public ShareServer {
   ~FlrigServer() override;
   void stop() override;
   void setTransceiverName(const std::string& name) { options_.transceiver = name; }
+  void radioAnswered() override;
 
  protected:
   bool listenOn(const QHostAddress& address, quint16 port, QString* error) override;
@@ -120,10 +134,14 @@ struct ShareConfig {
   int flrigPort = 12345;
   QString address = QStringLiteral("127.0.0.1");
   QString transceiver = QStringLiteral("Transceiver");
+  // Client addresses served, separated by blanks or commas; empty: all.
+  QString allowedClients;
 
   static ShareConfig load(const platform::SettingsStore& settings);
   void save(platform::SettingsStore& settings) const;
   bool loopbackOnly() const { return QHostAddress(address).isLoopback(); }
+  // The allowed client addresses; false in `ok` when one is not an address.
+  QList<QHostAddress> allowedAddresses(bool* ok = nullptr) const;
 };
 
 // Starts, stops or moves both servers to match the configuration.
