@@ -43,6 +43,11 @@ TEST_F(PreferencesTest, RefusesWhatCannotWorkAndWarnsOfAnOpenAddress) {
   field("shareAddressField")->setText(QStringLiteral("::1"));
   EXPECT_FALSE(warned());
   EXPECT_TRUE(ok()->isEnabled());
+  field("shareAllowedClientsField")->setText(QStringLiteral("192.168.1.20, shack-pc"));
+  EXPECT_EQ(dialog->problem().toStdString(),
+            "Rig sharing: the allowed clients must be IP addresses, such as 192.168.1.20.");
+  field("shareAllowedClientsField")->setText(QStringLiteral("192.168.1.20, 192.168.1.21"));
+  EXPECT_TRUE(ok()->isEnabled());
 
   auto spins = dialog->findChildren<QSpinBox*>();
   ASSERT_EQ(spins.size(), 2);
@@ -72,6 +77,7 @@ TEST_F(PreferencesTest, OkSavesSharingAndOnlyTheChangedAddresses) {
   EXPECT_EQ(settings.values["shareRigctld"], "1");
   EXPECT_EQ(settings.values["shareRigctldPort"], "4532");
   EXPECT_EQ(settings.values["shareAddress"], "192.168.1.5");
+  EXPECT_EQ(settings.values["shareAllowedClients"], "");
   EXPECT_EQ(settings.values["service/nets"], "http://127.0.0.1:8000/");
   EXPECT_EQ(settings.values["service/mw"], "http://192.168.1.20:8080");
   EXPECT_EQ(settings.values.count("service/pota"), 0u);  // a default stays a default

@@ -105,7 +105,16 @@ QWidget* PreferencesDialog::buildSharingPage() {
   transceiver_->setToolTip(QStringLiteral("The radio's name as XML-RPC clients are told it."));
   form->addRow(QStringLiteral("&Transceiver name:"), transceiver_);
 
+  allowedClients_ = new QLineEdit(c.allowedClients);
+  allowedClients_->setObjectName(QStringLiteral("shareAllowedClientsField"));
+  allowedClients_->setPlaceholderText(QStringLiteral("every address"));
+  allowedClients_->setToolTip(
+      QStringLiteral("The addresses of the computers whose programs may connect, separated by spaces or commas. "
+                     "Empty: any program that can reach the address above."));
+  form->addRow(QStringLiteral("Allowed &clients:"), allowedClients_);
+
   connect(address_, &QLineEdit::textChanged, this, &PreferencesDialog::check);
+  connect(allowedClients_, &QLineEdit::textChanged, this, &PreferencesDialog::check);
   for (QSpinBox* box : {rigctldPort_, flrigPort_})
     connect(box, &QSpinBox::valueChanged, this, &PreferencesDialog::check);
   for (QCheckBox* box : {rigctldOn_, flrigOn_}) connect(box, &QCheckBox::toggled, this, &PreferencesDialog::check);
@@ -179,6 +188,7 @@ ShareConfig PreferencesDialog::shareConfig() const {
   c.flrigPort = flrigPort_->value();
   c.address = address_->text().trimmed();
   c.transceiver = transceiver_->text().trimmed();
+  c.allowedClients = allowedClients_->text().trimmed();
   return c;
 }
 
@@ -189,6 +199,9 @@ QString PreferencesDialog::problem() const {
   if (c.rigctldOn && c.flrigOn && c.rigctldPort == c.flrigPort)
     return QStringLiteral("Rig sharing: the two servers cannot share port %1.").arg(c.rigctldPort);
   if (c.transceiver.isEmpty()) return QStringLiteral("Rig sharing: the transceiver name is empty.");
+  bool allowedOk = true;
+  c.allowedAddresses(&allowedOk);
+  if (!allowedOk) return QStringLiteral("Rig sharing: the allowed clients must be IP addresses, such as 192.168.1.20.");
   for (const ServiceField& f : services_) {
     const std::string why = spots::serviceAddressProblem(f.edit->text().trimmed().toStdString());
     if (!why.empty()) {

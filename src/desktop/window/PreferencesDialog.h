@@ -63,6 +63,7 @@ class PreferencesDialog : public QDialog {
   QLineEdit* address_ = nullptr;
   QLabel* addressWarning_ = nullptr;
   QLineEdit* transceiver_ = nullptr;
+  QLineEdit* allowedClients_ = nullptr;
 
   struct ServiceField {
     std::string name;
