@@ -141,8 +141,9 @@ TEST_F(Keyer, LongFreeTextLeavesAsOneUnitThatNothingElseInterrupts) {
   rig.port->clearWrites();
   rig.at("textMemoryField").type(text);
   rig.at("sendTextMemoryButton").click();
-  // A sharing client's command, and the queries the window makes after the
-  // radio reports a frequency, follow the whole send; so does a second send.
+  // A sharing client's command (with the query that reads it back), and the
+  // queries the window makes after the radio reports a frequency, follow the
+  // whole send; so does a second send.
   EXPECT_TRUE(shared.send("FA014074000;"));
   rig.receive("FA014074000;");
   rig.at("textMemoryField").type("NEXT");
@@ -152,7 +153,7 @@ TEST_F(Keyer, LongFreeTextLeavesAsOneUnitThatNothingElseInterrupts) {
   for (const auto& w : rig.port->writes()) all += w.bytes;
   std::string expected;
   for (std::size_t at = 0; at < 500; at += 49) expected += "EM05" + text.substr(at, 49) + "};EN05;";
-  expected += "EM05KEEP};FA014074000;GT0;RA0;RF0;EM05NEXT};EN05;EM05KEEP};";
+  expected += "EM05KEEP};FA014074000;FA;GT0;RA0;RF0;EM05NEXT};EN05;EM05KEEP};";
   EXPECT_EQ(all, expected);
   EXPECT_EQ(rig.at("sentTextMemoryField").text(), "NEXT\n" + text + "\n");
 }
