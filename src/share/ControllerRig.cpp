@@ -40,7 +40,7 @@ RigState ControllerRig::state() const {
 
 bool ControllerRig::send(std::string_view commands) {
   if (!linkOpen()) return false;
-  const std::string readBack = reports_.wrote(commands);
+  const std::string readBack = reports_.wrote(commands, nowMs());
   controller_.transmit(std::string(commands) + readBack);
   return true;
 }

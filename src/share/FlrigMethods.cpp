@@ -356,10 +356,11 @@ std::string flrigResponse(SharedRig& rig, const XmlRpcCall& call, const FlrigOpt
 bool catStringAllowed(std::string_view commands) {
   // The radio's read and set commands of frequency, mode, side, split, levels,
   // filters and functions. Never "TX", "KY", "EN" (keying), "AC" (a tuning
-  // cycle transmits), "PS" (power), or the memory and text writes.
+  // cycle transmits), "PS" (power), "AI" (the window follows the radio's
+  // reports), or the memory and text writes.
   static constexpr std::string_view kAllowed[] = {"FA", "FB", "MD", "VS", "ST", "SV", "PC", "KS", "AG", "RG",
                                                   "NB", "NL", "NR", "RL", "BC", "BP", "CO", "GT", "RA", "RF",
-                                                  "PA", "SF", "SS", "MS", "IF", "OI", "RM", "BI", "AI", "ID"};
+                                                  "PA", "SF", "SS", "MS", "IF", "OI", "RM", "BI", "ID"};
   if (commands.empty()) return false;
   while (!commands.empty()) {
     const std::size_t end = commands.find(';');

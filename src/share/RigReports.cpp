@@ -52,30 +52,25 @@ void RigReports::apply(std::string_view a, std::int64_t nowMs) {
     asked_[slot(r)] = false;
   };
   if (a.size() == 11 && (startsWith(a, "FA") || startsWith(a, "FB")) && digitsOnly(a.substr(2))) {
-    (a[1] == 'A' ? s_.freqA : s_.freqB) = number(a.substr(2));
-    confirmed(a[1] == 'A' ? Field::FreqA : Field::FreqB);
+    if (take(a[1] == 'A' ? Field::FreqA : Field::FreqB, a, nowMs))
+      (a[1] == 'A' ? s_.freqA : s_.freqB) = number(a.substr(2));
   } else if (a == "VS0" || a == "VS1") {
-    selectSide(a[2] == '1' ? 'B' : 'A');
-    confirmed(Field::Vfo);
+    if (take(Field::Vfo, a, nowMs)) selectSide(a[2] == '1' ? 'B' : 'A');
   } else if (a.size() == 4 && (startsWith(a, "MD0") || startsWith(a, "MD1"))) {
     if (clientModeName(a[3]).empty()) return;
     if (a[2] == '0') {
-      s_.modeCode = a[3];
-      confirmed(Field::Mode);
-    } else {
+      if (take(Field::Mode, a, nowMs)) s_.modeCode = a[3];
+    } else if (take(Field::OtherMode, a, nowMs)) {
       s_.otherMode = a[3];
       dated(Reading::OtherMode);
-      confirmed(Field::OtherMode);
     }
   } else if (a.size() == 3 && a[2] >= '0' && a[2] <= '2') {
     const std::string_view head = a.substr(0, 2);
     const bool on = a[2] != '0';
     if (head == "TX") {
-      s_.transmitting = on;
-      confirmed(Field::Transmit);
+      if (take(Field::Transmit, on ? "TX1" : "TX0", nowMs)) s_.transmitting = on;
     } else if (head == "ST" && a[2] != '2') {
-      s_.split = on;
-      confirmed(Field::Split);
+      if (take(Field::Split, a, nowMs)) s_.split = on;
     } else if (head == "PS" && a[2] != '2') {
       s_.powerOn = on;
       if (!on) s_.transmitting = false;
@@ -94,8 +89,7 @@ void RigReports::apply(std::string_view a, std::int64_t nowMs) {
       dated(Reading::Swr);
     }
   } else if (a.size() == 5 && startsWith(a, "PC") && digitsOnly(a.substr(2))) {
-    s_.power = static_cast<int>(number(a.substr(2)));
-    confirmed(Field::Power);
+    if (take(Field::Power, a, nowMs)) s_.power = static_cast<int>(number(a.substr(2)));
   } else if (a == "BP00000" || a == "BP00001") {
     s_.notchOn = a.back() == '1';
   } else if (a.size() == 7 && startsWith(a, "BP01") && digitsOnly(a.substr(4))) {
@@ -106,17 +100,26 @@ void RigReports::apply(std::string_view a, std::int64_t nowMs) {
     if (!text.empty() && text.back() == '}') text.pop_back();
     s_.keyerMemory5 = text;
   } else if (a.size() == 5 && startsWith(a, "KS") && digitsOnly(a.substr(2))) {
+    if (!take(Field::KeyerSpeed, a, nowMs)) return;
     s_.keyerSpeed = static_cast<int>(number(a.substr(2)));
     dated(Reading::KeyerSpeed);
-    confirmed(Field::KeyerSpeed);
   }
 }
 
-void RigReports::remember(Field f) { pending_.push_back(Undo{f, s_}); }
+void RigReports::remember(Field f, std::string written, std::int64_t nowMs) {
+  pending_.push_back(Undo{f, s_, std::move(written), nowMs});
+}
 
-void RigReports::confirmed(Field f) {
+bool RigReports::take(Field f, std::string_view answer, std::int64_t nowMs) {
+  // The latest write to the field decides.
+  auto last = pending_.end();
+  for (auto it = pending_.begin(); it != pending_.end(); ++it)
+    if (it->field == f) last = it;
+  if (last == pending_.end()) return true;
+  if (last->written != answer && nowMs - last->atMs < kReadingWaitMs) return false;
   pending_.erase(std::remove_if(pending_.begin(), pending_.end(), [f](const Undo& u) { return u.field == f; }),
                  pending_.end());
+  return true;
 }
 
 void RigReports::restore(const Undo& u) {
@@ -154,7 +157,7 @@ void RigReports::restore(const Undo& u) {
   }
 }
 
-std::string RigReports::wrote(std::string_view commands) {
+std::string RigReports::wrote(std::string_view commands, std::int64_t nowMs) {
   std::string readBack;
   const auto ask = [&readBack](std::string_view q) {
     if (readBack.find(q) == std::string::npos) readBack += q;
@@ -165,40 +168,41 @@ std::string RigReports::wrote(std::string_view commands) {
     commands.remove_prefix(end == std::string_view::npos ? commands.size() : end + 1);
     if (c.size() == 11 && (startsWith(c, "FA") || startsWith(c, "FB")) && digitsOnly(c.substr(2))) {
       const bool a = c[1] == 'A';
-      remember(a ? Field::FreqA : Field::FreqB);
+      remember(a ? Field::FreqA : Field::FreqB, std::string(c), nowMs);
       (a ? s_.freqA : s_.freqB) = number(c.substr(2));
       ask(a ? "FA;" : "FB;");
     } else if (c == "VS0" || c == "VS1") {
-      remember(Field::Vfo);
+      remember(Field::Vfo, std::string(c), nowMs);
       selectSide(c[2] == '1' ? 'B' : 'A');
       ask("VS;");
     } else if (c.size() == 4 && (startsWith(c, "MD0") || startsWith(c, "MD1"))) {
       const bool inUse = c[2] == '0';
-      remember(inUse ? Field::Mode : Field::OtherMode);
+      remember(inUse ? Field::Mode : Field::OtherMode, std::string(c), nowMs);
       (inUse ? s_.modeCode : s_.otherMode) = c[3];
       ask(inUse ? "MD0;" : "MD1;");
     } else if (c == "ST0" || c == "ST1") {
-      remember(Field::Split);
+      remember(Field::Split, std::string(c), nowMs);
       s_.split = c[2] == '1';
       ask("ST;");
     } else if (c == "TX0" || c == "TX1") {
-      remember(Field::Transmit);
+      remember(Field::Transmit, std::string(c), nowMs);
       s_.transmitting = c[2] == '1';
       ask("TX;");
     } else if (c.size() == 5 && startsWith(c, "PC") && digitsOnly(c.substr(2))) {
-      remember(Field::Power);
+      remember(Field::Power, std::string(c), nowMs);
       s_.power = static_cast<int>(number(c.substr(2)));
       ask("PC;");
     } else if (c.size() == 5 && startsWith(c, "KS") && digitsOnly(c.substr(2))) {
-      remember(Field::KeyerSpeed);
+      remember(Field::KeyerSpeed, std::string(c), nowMs);
       s_.keyerSpeed = static_cast<int>(number(c.substr(2)));
       ask("KS;");
     } else if (c == "SV") {
       // Swapping the two VFOs swaps their frequencies and modes.
-      remember(Field::FreqA);
-      remember(Field::FreqB);
-      remember(Field::Mode);
-      remember(Field::OtherMode);
+      const RigState b = s_;
+      remember(Field::FreqA, frequencyCommand('A', b.freqB).substr(0, 11), nowMs);
+      remember(Field::FreqB, frequencyCommand('B', b.freqA).substr(0, 11), nowMs);
+      remember(Field::Mode, std::string("MD0") + b.otherMode, nowMs);
+      remember(Field::OtherMode, std::string("MD1") + b.modeCode, nowMs);
       std::swap(s_.freqA, s_.freqB);
       std::swap(s_.modeCode, s_.otherMode);
       ask("FA;");

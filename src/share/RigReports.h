@@ -22,8 +22,11 @@ class RigReports {
   // Takes one answer of the radio, without its ";"; `nowMs` dates readings.
   void apply(std::string_view answer, std::int64_t nowMs);
   // Takes the commands a client's write sends, makes them the new state, and
-  // returns them with the queries that read the written values back.
-  std::string wrote(std::string_view commands);
+  // returns the queries that read the written values back. Until the radio
+  // confirms a written value (or a second has passed), an answer with another
+  // value for it is one the radio sent before it took the write, and is not
+  // taken.
+  std::string wrote(std::string_view commands, std::int64_t nowMs);
   // True when the reading is younger than a second; otherwise the query that
   // asks the radio for it, once a second at most (empty: it was asked for
   // less than a second ago, and the answer is awaited).
@@ -39,9 +42,12 @@ class RigReports {
   struct Undo {
     Field field;
     RigState before;
+    std::string written;  // the answer that confirms the write ("TX1")
+    std::int64_t atMs;
   };
-  void remember(Field f);
-  void confirmed(Field f);
+  void remember(Field f, std::string written, std::int64_t nowMs);
+  // False when the answer is older than a write still waiting for the radio.
+  bool take(Field f, std::string_view answer, std::int64_t nowMs);
   void restore(const Undo& u);
   void selectSide(char side);
 

@@ -13,7 +13,7 @@ namespace {
 TEST(RigReports, WritesAreTheStateUntilTheRadioSaysOtherwise) {
   RigReports r;
   for (std::string_view a : {"VS0", "FA014074000", "FB007040000", "MD02", "ST0", "PC100"}) r.apply(a, 0);
-  EXPECT_EQ(r.wrote("FA014076000;MD0C;PC050;"), "FA;MD0;PC;");
+  EXPECT_EQ(r.wrote("FA014076000;MD0C;PC050;", 0), "FA;MD0;PC;");
   EXPECT_EQ(r.state().freqA, 14076000u);
   EXPECT_EQ(r.state().modeCode, 'C');
   EXPECT_EQ(r.state().power, 50);
@@ -26,13 +26,24 @@ TEST(RigReports, WritesAreTheStateUntilTheRadioSaysOtherwise) {
   r.apply("FA014076000", 0);
   EXPECT_EQ(r.state().freqA, 14076000u);
   // A confirmed write is not taken back by a later refusal.
-  EXPECT_EQ(r.wrote("ST1;"), "ST;");
+  EXPECT_EQ(r.wrote("ST1;", 0), "ST;");
   r.apply("ST1", 0);
   r.apply("?", 0);
   EXPECT_EQ(r.state().split, true);
+  // An answer the radio sent before it took a write does not undo it; one
+  // that comes a second later is the radio's word.
+  EXPECT_EQ(r.wrote("TX1;", 100), "TX;");
+  r.apply("TX0", 300);
+  EXPECT_EQ(r.state().transmitting, true);
+  r.apply("TX1", 400);
+  EXPECT_EQ(r.wrote("TX0;", 500), "TX;");
+  r.apply("TX1", 600);
+  EXPECT_EQ(r.state().transmitting, false);
+  r.apply("TX1", 1500);
+  EXPECT_EQ(r.state().transmitting, true);
   // Swapping the VFOs swaps frequencies and modes and reads all four back.
   r.apply("MD1C", 0);
-  EXPECT_EQ(r.wrote("SV;"), "FA;FB;MD0;MD1;");
+  EXPECT_EQ(r.wrote("SV;", 0), "FA;FB;MD0;MD1;");
   EXPECT_EQ(r.state().freqA, 7040000u);
   EXPECT_EQ(r.state().freqB, 14076000u);
   EXPECT_EQ(r.state().modeCode, 'C');
