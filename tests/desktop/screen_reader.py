@@ -27,6 +27,9 @@ class ScreenReader:
         self.why = ""
 
     def start(self):
+        if os.environ.get("TOLVANE_WALK_ORCA") != "1":
+            self.why = "not asked for: TOLVANE_WALK_ORCA=1 runs Orca"
+            return "SCREEN READER: none (%s); the walk judges the accessibility bus alone" % self.why
         orca, dispatcher = shutil.which("orca"), shutil.which("speech-dispatcher")
         modules = [m for m in MODULES if os.path.exists(os.path.join(m, "sd_generic"))]
         if not orca or not dispatcher or not modules:
