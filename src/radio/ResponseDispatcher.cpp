@@ -122,7 +122,7 @@ void SerialPortDemoController::handleFrequencyAnswer(std::string_view piece, cha
   const radio::FrequencyParts f = radio::splitFrequency(freq);
   window_.at(a ? "tlFreqAButton" : "tlFreqBButton").setTitle(radio::dottedFrequency(f));
   window_.at("freqTextField").setText(f.mhz + "." + f.khz);
-  tlAorB = a ? "A" : "B";
+  tlAorB = std::string(1, a ? 'A' : 'B');
   if ((a ? tlModeA : tlModeB) == "vfo") (a ? tlVFOA : tlVFOB) = radio::spokenFrequency(f);
 
   window_.at("tlFreqAButton").setBezel(a ? ui::Bezel::Blue : ui::Bezel::None);
@@ -155,12 +155,12 @@ void SerialPortDemoController::handleOppositeBandAnswer(std::string_view piece) 
 
 void SerialPortDemoController::handleSideSelection(char side) {
   if (side == 'A') {
-    tlAorB = "A";
+    tlAorB = std::string(1, 'A');
     window_.at("tlFreqBButton").setBezel(ui::Bezel::None);
     window_.at("tlMemBButton").setBezel(ui::Bezel::None);
     transmit("FA;MC;IF;");
   } else {
-    tlAorB = "B";
+    tlAorB = std::string(1, 'B');
     window_.at("tlFreqAButton").setBezel(ui::Bezel::None);
     window_.at("tlMemAButton").setBezel(ui::Bezel::None);
     const bool vfo = tlModeB == "vfo";
