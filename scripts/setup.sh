@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev libqt6sql6-sqlite libsqlite3-dev qt6-declarative-dev qt6-serialport-dev qt6-speech-dev qt6-multimedia-dev
   qt6-speech-flite-plugin gstreamer1.0-plugins-base
-  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libsndfile1-dev libudev-dev
+  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libsndfile1-dev libudev-dev libfontconfig-dev
   xvfb xauth fonts-dejavu-core clang-format clang libclang-rt-14-dev
   desktop-file-utils appstream
   libhamlib-utils qt6-httpserver-dev qt6-websockets-dev qtkeychain-qt6-dev

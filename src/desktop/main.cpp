@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "app/SerialPortDemoController.h"
@@ -21,6 +22,7 @@
 #include "desktop/services/Resources.h"
 #include "desktop/services/SoundPlayer.h"
 #include "desktop/window/Binder.h"
+#include "desktop/window/FontWarmUp.h"
 #include "desktop/window/LogDesk.h"
 #include "desktop/window/MainWindow.h"
 #include "desktop/window/PreferencesDialog.h"
@@ -88,11 +90,16 @@ bool headlessRequest(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // The port list is read while the application and its window are built.
+  step("main");
+  // The font list and the port list are read while the application and its
+  // window are built.
+  desktop::FontWarmUp fonts;
   desktop::QtPortManager::prefetchSystemPorts();
   // --help, --version and --list-ports need no display.
-  std::unique_ptr<QCoreApplication> app = headlessRequest(argc, argv) ? std::make_unique<QCoreApplication>(argc, argv)
-                                                                      : std::make_unique<QApplication>(argc, argv);
+  const bool headless = headlessRequest(argc, argv);
+  std::unique_ptr<QCoreApplication> app =
+      headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
+  fonts.applicationMade(!headless);
   QCoreApplication::setOrganizationName(QStringLiteral("Tolvane"));
   QCoreApplication::setApplicationName(QStringLiteral("Tolvane"));
   QCoreApplication::setApplicationVersion(QStringLiteral(TOLVANE_VERSION));
@@ -133,6 +140,8 @@ int main(int argc, char** argv) {
   buildWindow(model);
   SerialPortDemoController controller(services, model);
   step("controller");
+  fonts.wait();
+  step("fonts");
   desktop::Binder binder(model);
   step("widgets");
   desktop::MainWindow window(binder);
@@ -172,6 +181,8 @@ int main(int argc, char** argv) {
   // Before the start-up fetches, which read the addresses.
   for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
   for (const spots::Service& s : spots::kServices) {
+    // The park and map pages open in the browser; only the lists are fetched.
+    if (const std::string_view name = s.name; name == "pota-web" || name == "map") continue;
     if (controller.serviceAddress(s.name).starts_with("https:")) {
       http.loadTlsInBackground();
       break;
