@@ -3,106 +3,64 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <regex>
-#include <string>
-#include <thread>
-#include <vector>
 
-extern char** environ;
+#include "support/Processes.h"
 
 namespace {
 
+using namespace tolvane::test;
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-// Reads from fd until `done` says so or the time is up.
-template <class Done>
-std::string readUntil(int fd, Done done, std::chrono::milliseconds limit = 3000ms) {
+// Reads from the terminal until `count` answers have arrived or the time is up.
+std::string answers(int fd, std::size_t count, std::chrono::milliseconds limit = 3000ms) {
   std::string got;
   const auto end = Clock::now() + limit;
-  while (!done(got) && Clock::now() < end) {
+  while (static_cast<std::size_t>(std::count(got.begin(), got.end(), ';')) < count && Clock::now() < end) {
     pollfd p{fd, POLLIN, 0};
     if (::poll(&p, 1, 50) <= 0) continue;
     char buf[512];
     const ssize_t n = ::read(fd, buf, sizeof buf);
-    if (n > 0) got.append(buf, static_cast<std::size_t>(n));
-    if (n == 0) break;
+    if (n <= 0) break;
+    got.append(buf, static_cast<std::size_t>(n));
   }
   return got;
 }
 
-std::string answers(int fd, std::size_t count) {
-  return readUntil(fd, [count](const std::string& s) {
-    return static_cast<std::size_t>(std::count(s.begin(), s.end(), ';')) >= count;
-  });
-}
-
-// One running tolvane-sim with its standard output on a pipe.
-class SimProcess {
- public:
+// One running tolvane-sim: its standard output in a file, its standard input
+// (the front panel with --panel) on a pipe; `path` is the first line it printed.
+struct SimProcess {
+  std::string dir = tempDir();
+  int panel = -1;
+  pid_t pid = -1;
+  std::string path;
   explicit SimProcess(std::vector<std::string> args) {
-    int out[2], in[2];
-    if (::pipe(out) != 0 || ::pipe(in) != 0) return;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, out[0]);
-    posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
-    posix_spawn_file_actions_addclose(&actions, in[1]);
+    int in[2];
+    if (dir.empty() || ::pipe(in) != 0) return;
     args.insert(args.begin(), TOLVANE_SIM_EXE);
-    std::vector<char*> argv;
-    for (auto& a : args) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    if (posix_spawn(&pid_, TOLVANE_SIM_EXE, &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(out[1]);
+    pid = spawn(args, dir + "/out", dir + "/err", {}, in[0]);
     ::close(in[0]);
-    stdout_ = out[0];
-    stdin_ = in[1];
-    const std::string line = readUntil(stdout_, [](const std::string& s) { return s.find('\n') != std::string::npos; });
-    path_ = line.substr(0, line.find('\n'));
+    panel = in[1];
+    path = firstLine(dir + "/out", 3000);
   }
   ~SimProcess() {
-    if (pid_ > 0 && !exited_) {
-      ::kill(pid_, SIGKILL);
-      ::waitpid(pid_, nullptr, 0);
-    }
-    if (stdout_ >= 0) ::close(stdout_);
-    if (stdin_ >= 0) ::close(stdin_);
+    stop(pid);
+    if (panel >= 0) ::close(panel);
+    if (!dir.empty()) std::filesystem::remove_all(dir);
   }
-  // Types text at the program's standard input (its front panel with --panel).
   bool type(const std::string& text) {
-    return ::write(stdin_, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    return ::write(panel, text.data(), text.size()) == static_cast<ssize_t>(text.size());
   }
-  const std::string& path() const { return path_; }
-  pid_t pid() const { return pid_; }
-  // Waits for the program to end; its exit status, or -1 when it did not end in time.
-  int waitExit(std::chrono::milliseconds limit = 3000ms) {
-    const auto end = Clock::now() + limit;
-    while (Clock::now() < end) {
-      int status = 0;
-      if (::waitpid(pid_, &status, WNOHANG) == pid_) {
-        exited_ = true;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-      }
-      std::this_thread::sleep_for(10ms);
-    }
-    return -1;
+  int exited(int ms = 3000) {
+    const int status = waitExit(pid, ms);
+    if (status >= 0) pid = -1;
+    return status;
   }
-
- private:
-  pid_t pid_ = -1;
-  int stdout_ = -1;
-  int stdin_ = -1;
-  bool exited_ = false;
-  std::string path_;
 };
 
 int openTerminal(const std::string& path) { return ::open(path.c_str(), O_RDWR | O_NOCTTY); }
@@ -111,8 +69,8 @@ int openTerminal(const std::string& path) { return ::open(path.c_str(), O_RDWR |
 
 TEST(PseudoTerminal, AnswersAFrequencyQueryOnThePrintedTerminal) {
   SimProcess sim({});
-  ASSERT_EQ(sim.path().rfind("/dev/pts/", 0), 0u) << "printed \"" << sim.path() << "\"";
-  const int fd = openTerminal(sim.path());
+  ASSERT_EQ(sim.path.rfind("/dev/pts/", 0), 0u) << "printed \"" << sim.path << "\"";
+  const int fd = openTerminal(sim.path);
   ASSERT_GE(fd, 0);
   // The program writes without a line ending; the terminal must pass the bytes on raw.
   ASSERT_EQ(::write(fd, "FA;", 3), 3);
@@ -125,19 +83,19 @@ TEST(PseudoTerminal, AnswersAFrequencyQueryOnThePrintedTerminal) {
   ::close(fd);
 
   // By default it waits for the next opener, which finds the same radio.
-  const int again = openTerminal(sim.path());
+  const int again = openTerminal(sim.path);
   ASSERT_GE(again, 0);
   ASSERT_EQ(::write(again, "FA014074000;FA;", 15), 15);
   EXPECT_EQ(answers(again, 1), "FA014074000;");
   ::close(again);
 
-  ::kill(sim.pid(), SIGTERM);
-  EXPECT_EQ(sim.waitExit(), 0);
+  ::kill(sim.pid, SIGTERM);
+  EXPECT_EQ(sim.exited(), 0);
 }
 
 TEST(PseudoTerminal, FrontPanelLinesTurnTheRadioAndAreReported) {
   SimProcess sim({"--panel", "--boot", "0"});
-  const int fd = openTerminal(sim.path());
+  const int fd = openTerminal(sim.path);
   ASSERT_GE(fd, 0);
   ASSERT_EQ(::write(fd, "AI1;FA014074000;", 16), 16);
   EXPECT_EQ(answers(fd, 1), "FA014074000;");
@@ -153,28 +111,22 @@ TEST(PseudoTerminal, ExitsWhenTheFarEndClosesIfAskedTo) {
   const std::string log = ::testing::TempDir() + "tolvane-sim-commands.log";
   ::unlink(log.c_str());
   SimProcess sim({"--on-close", "exit", "--log", log, "--latency", "50", "--pace"});
-  const int fd = openTerminal(sim.path());
+  const int fd = openTerminal(sim.path);
   ASSERT_GE(fd, 0);
   const auto sent = Clock::now();
   ASSERT_EQ(::write(fd, "PS;", 3), 3);
   EXPECT_EQ(answers(fd, 1), "PS1;");
   EXPECT_GE(Clock::now() - sent, 50ms) << "the answer latency was not applied";
-  EXPECT_EQ(sim.waitExit(200ms), -1) << "it must keep running while the terminal is open";
+  EXPECT_EQ(sim.exited(200), -1) << "it must keep running while the terminal is open";
   ::close(fd);
-  EXPECT_EQ(sim.waitExit(), 0);
-
-  const int logged = ::open(log.c_str(), O_RDONLY);
-  ASSERT_GE(logged, 0);
-  const std::string text = readUntil(
-      logged, [](const std::string&) { return false; }, 200ms);
-  ::close(logged);
-  EXPECT_NE(text.find(" PS;\n"), std::string::npos) << text;
+  EXPECT_EQ(sim.exited(), 0);
+  EXPECT_TRUE(fileShows(log, " PS;\n", 200)) << readFile(log);
 }
 
 TEST(PseudoTerminal, HelpAndBadOptions) {
   SimProcess help({"--help"});
-  EXPECT_EQ(help.path(), "Usage: tolvane-sim [options]");
-  EXPECT_EQ(help.waitExit(), 0);
+  EXPECT_EQ(help.path, "Usage: tolvane-sim [options]");
+  EXPECT_EQ(help.exited(), 0);
   SimProcess bad({"--latency", "soon"});
-  EXPECT_EQ(bad.waitExit(), 2);
+  EXPECT_EQ(bad.exited(), 2);
 }

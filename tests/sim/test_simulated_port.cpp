@@ -149,6 +149,9 @@ TEST(SimulatorWithController, OnOpenSequenceFillsTheDisplay) {
   s.noiseBlanker = true;
   s.blankerLevel = 7;
   s.breakIn = true;
+  s.menu["010104"] = "0300";
+  s.menu["010107"] = "05";
+  s.menu["040101"] = "AB1CD       ";
   rig.ports.ports.push_back(simulator);
   rig.c().refreshPortList();
   ASSERT_TRUE(rig.c().choosePort("Simulated transceiver"));
@@ -170,6 +173,10 @@ TEST(SimulatorWithController, OnOpenSequenceFillsTheDisplay) {
   EXPECT_EQ(rig.at("bkinButton").tag(), 1229);
   EXPECT_EQ(rig.c().tlModeA, "memory");
   EXPECT_EQ(rig.c().tlMemChA, "001");
+  // The four menu groups were read: titles, positions and the call sign.
+  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 0, 2010104)->titleOfSelectedItem(), "0300");
+  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 0, 2010107)->selectedIndex(), 5);
+  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 3, 2040101)->text(), "AB1CD");
 
   // Front-panel changes reach the window by auto-information.
   sim::Transceiver& radio = simulator->transceiver();

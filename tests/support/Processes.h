@@ -52,6 +52,16 @@ inline void stop(pid_t pid) {
   waitpid(pid, nullptr, 0);
 }
 
+// Waits for a child to end: its exit status, or -1 when it did not end within `ms`.
+inline int waitExit(pid_t pid, int ms = 3000) {
+  for (int i = 0; i <= ms / 10; ++i) {
+    int status = 0;
+    if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return -1;
+}
+
 inline std::string readFile(const std::string& path) {
   std::ifstream in(path);
   return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
