@@ -1,12 +1,11 @@
 // The button dispatcher: tag cases on the wire, the common tail, toggles, the
 // band-button colour cycle, power-on timing, side selection, message buttons
-// and the menu group reads.
+// and the list refreshes.
 #include <gtest/gtest.h>
 
 #include "app/StartUp.h"
 #include "controls/BandPlan.h"
 #include "controls/Commands.h"
-#include "menu/ReadLists.h"
 #include "support/Harness.h"
 
 using namespace tolvane;
@@ -311,28 +310,18 @@ TEST_F(Buttons, ManualAndListRefreshesResendTheBuffer) {
   EXPECT_EQ(press(rig.at("makerPageButton")), "MD02;BI1;BI1;");
   EXPECT_EQ(rig.browser.opened, (std::vector<std::string>{"file:///usr/share/tolvane/manual.md"}));
   rig.sounds.played.clear();
-  for (int tag = 810; tag <= 814; ++tag) EXPECT_EQ(press(tag).substr(0, 5), "MD02;");
+  for (const char* refresh : {"bandConditionsRefreshButton", "potaRefreshButton", "netLoggerRefreshButton",
+                              "sotaRefreshButton", "netsRefreshButton"})
+    EXPECT_EQ(press(rig.at(refresh)).substr(0, 5), "MD02;") << refresh;
   // "Funk" follows each list's two-second wait.
+  rig.scheduler.advance(1999ms);
   EXPECT_TRUE(rig.sounds.played.empty());
-  rig.scheduler.advance(std::chrono::milliseconds(2000));
+  rig.scheduler.advance(1ms);
   EXPECT_EQ(rig.sounds.played, std::vector<std::string>(5, "resource:Funk"));
   rig.c().tlSounds = "0";
-  press(811);
-  rig.scheduler.advance(std::chrono::milliseconds(2000));
+  press(rig.at("potaRefreshButton"));
+  rig.scheduler.advance(2000ms);
   EXPECT_EQ(rig.sounds.played.size(), 5u);
-}
-
-TEST_F(Buttons, MenuGroupReadSendsEachSubGroupAndTheLastThroughTheTail) {
-  rig.port->clearWrites();
-  rig.window.viewWithTag("settingsTab", 2, menu::readButtonTag(3))->click();
-  const auto& w = rig.port->writes();
-  ASSERT_EQ(w.size(), 5u);
-  EXPECT_EQ(w[0].bytes,
-            "EX030101;EX030102;EX030103;EX030104;EX030105;EX030106;EX030107;EX030111;EX030112;EX030113;EX030114;"
-            "EX030115;EX030116;EX030117;EX030118;EX030119;EX030120;");
-  EXPECT_EQ(w[4].bytes, "EX030501;EX030502;EX030503;EX030504;EX030505;EX030506;EX030507;BI1;");
-  EXPECT_EQ(press(menu::readButtonTag(2)).substr(0, 9), "EX020101;");
-  EXPECT_EQ(rig.port->writes().back().bytes, "EX020301;BI1;");
 }
 
 TEST_F(Buttons, NoPortStillChangesTheLookAndSpeaks) {

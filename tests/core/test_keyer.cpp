@@ -97,28 +97,19 @@ TEST_F(Keyer, MemoryFieldsWriteTheChosenMemoryAndReadItBack) {
   EXPECT_TRUE(rig.at("pskMemoryPopUpButton").entries()[0].heading);
 }
 
+// Free text goes out through memory 5 in pieces of 49 characters, each played,
+// and memory 5 gets back what it held before (empty if it was empty).
 TEST_F(Keyer, FreeTextGoesOutInPiecesOfFortyNineAndRestoresMemoryFive) {
-  mode('9');
-  rig.receive("EM0573;");
-  EXPECT_EQ(send("CQ TEST"), (std::vector<std::string>{"EM05CQ TEST};", "EN05;", "EM0573};"}));
-  EXPECT_EQ(rig.at("sentTextMemoryField").text(), "CQ TEST\n");
-  EXPECT_EQ(rig.at("textMemoryField").text(), "");
-
-  mode('3');
-  rig.receive("KM5;");  // memory 5 empty: the restore writes it empty
-  const std::string t49 = letters(49);
-  EXPECT_EQ(send(t49), (std::vector<std::string>{"KM5" + t49 + "};", "KYA;", "KM5};", "KYA;", "KM5};"}));
-}
-
-TEST_F(Keyer, FreeTextLengthsInEachMode) {
   struct Mode {
     char code;
     const char* memory5;
     const char* play;
+    const char* held;
   };
-  for (const Mode& m : {Mode{'7', "KM5", "KYA;"}, Mode{'6', "EM05", "EN05;"}, Mode{'E', "EM15", "EN15;"}}) {
+  for (const Mode& m : {Mode{'3', "KM5", "KYA;", ""}, Mode{'7', "KM5", "KYA;", "OLD"}, Mode{'9', "EM05", "EN05;", "73"},
+                        Mode{'6', "EM05", "EN05;", "OLD"}, Mode{'E', "EM15", "EN15;", "OLD"}}) {
     mode(m.code);
-    rig.receive(std::string(m.memory5) + "OLD;");
+    rig.receive(std::string(m.memory5) + m.held + ";");
     for (std::size_t length : {0u, 48u, 49u, 50u, 98u}) {
       const std::string text = letters(length);
       std::vector<std::string> expected;
@@ -126,11 +117,14 @@ TEST_F(Keyer, FreeTextLengthsInEachMode) {
         expected.push_back(m.memory5 + text.substr(at, 49) + "};");
         expected.push_back(m.play);
       }
-      expected.push_back(std::string(m.memory5) + "OLD};");
+      expected.push_back(std::string(m.memory5) + m.held + "};");
       EXPECT_EQ(send(text), expected) << m.code << " " << length;
       EXPECT_EQ(expected.size(), 2 * (length / 49 + 1) + 1);
     }
   }
+  EXPECT_EQ(send("CQ TEST"), (std::vector<std::string>{"EM15CQ TEST};", "EN15;", "EM15OLD};"}));
+  EXPECT_EQ(rig.at("sentTextMemoryField").text().substr(0, 8), "CQ TEST\n");
+  EXPECT_EQ(rig.at("textMemoryField").text(), "");
 }
 
 TEST_F(Keyer, LongFreeTextLeavesAsOneUnitThatNothingElseInterrupts) {

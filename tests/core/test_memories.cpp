@@ -63,11 +63,7 @@ TEST(MemoryRead, AsksOneChannelAtATimeAndEndsWithNinetyNineRecords) {
   for (const auto& w : rig.port->writes()) sent.push_back(w.bytes);
   ASSERT_EQ(sent.size(), 100u);
   EXPECT_EQ(sent[0], "MT001;");
-  EXPECT_EQ(sent[1], "MT001;");
-  EXPECT_EQ(sent[2], "MT002;");
-  EXPECT_EQ(sent[9], "MT009;");
   EXPECT_EQ(sent[10], "MT010;");
-  EXPECT_EQ(sent[42], "MT042;");
   EXPECT_EQ(sent[99], "MT099;");
   for (std::size_t n = 1; n < sent.size(); ++n) {
     char query[32];
@@ -95,7 +91,6 @@ TEST(MemoryRead, AsksOneChannelAtATimeAndEndsWithNinetyNineRecords) {
   EXPECT_EQ(entries[0].title, "M-01 CALLING");
   EXPECT_EQ(entries[1].title, "M-02 ");
   EXPECT_EQ(entries[2].title, "M-03  CQ DX");
-  EXPECT_EQ(entries[9].title, "M-10 ");
   EXPECT_EQ(entries[98].title, "M-99 ");
 
   // Answers after the read are not records: the 100th answer ended it.
@@ -294,26 +289,4 @@ TEST(MemorySlots, TagAnswerOutsideAReadDecidesSideBByFrequency) {
   EXPECT_EQ(rig.at("tlMemAButton").title(), "  M-12 JT65");
   EXPECT_EQ(bezel(rig, "tlFreqBButton"), ui::Bezel::Blue);
   EXPECT_EQ(rig.c().tlModeB, "vfo");
-}
-
-TEST(MemorySlots, InformationAnswerSetsSideAOnlyWhenLongEnough) {
-  test::Rig rig;
-  rig.openPort();
-  rig.at("tlFreqBButton").setBezel(ui::Bezel::Blue);
-  const std::string memory = "IF007014074000+000000C1";  // character 22 is "1"
-  rig.receive(memory + "00;");
-  EXPECT_EQ(rig.written(), "MT007;");
-  EXPECT_EQ(rig.c().tlModeA, "memory");
-  EXPECT_EQ(bezel(rig, "tlMemAButton"), ui::Bezel::Blue);
-  EXPECT_EQ(bezel(rig, "tlFreqAButton"), ui::Bezel::None);
-  EXPECT_EQ(bezel(rig, "tlFreqBButton"), ui::Bezel::Blue);
-
-  rig.receive("IF008014074000+000000C0;");
-  EXPECT_EQ(rig.c().tlModeA, "vfo");
-  EXPECT_EQ(bezel(rig, "tlFreqAButton"), ui::Bezel::Blue);
-  EXPECT_EQ(bezel(rig, "tlMemAButton"), ui::Bezel::None);
-
-  rig.receive("IF009;");
-  EXPECT_EQ(rig.c().tlMemChA, "009");
-  EXPECT_EQ(rig.c().tlModeA, "vfo");
 }

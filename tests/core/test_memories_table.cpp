@@ -94,7 +94,7 @@ TEST(MemoriesTable, FrequencyEdits) {
 
   const std::pair<const char*, const char*> accepted[] = {
       {"75", "075000000"},   {"0.03", "000030000"},       {"1e1", "010000000"},
-      {"0.05", "000050000"}, {"14.0740004", "014074000"},
+      {"0.05", "000050000"}, {"14.0740004", "014074000"}, {"+7.074", "007074000"},
   };
   for (const auto& [typed, digits] : accepted) {
     ui::editCell(rig.table, 4, kFreq, typed);
@@ -109,6 +109,10 @@ TEST(MemoriesTable, FrequencyEdits) {
       {"nan", "Frequency must be in MHz and greater than 0.03\n\nExample: 0.860"},
       {"7,074", "Frequency must be in MHz and greater than 0.03\n\nExample: 0.860"},
       {"0x10", "Frequency must be in MHz and greater than 0.03\n\nExample: 0.860"},
+      {"1e-999", "Frequency must be in MHz and greater than 0.03\n\nExample: 0.860"},
+      {"1e999", "Frequency must be in MHz and less than 75.0\n\nExample: 14.235"},
+      {"+1e999", "Frequency must be in MHz and less than 75.0\n\nExample: 14.235"},
+      {"inf", "Frequency must be in MHz and less than 75.0\n\nExample: 14.235"},
   };
   for (const auto& [typed, message] : refused) {
     rig.list[4] = {"014074000", "2", "FT8"};

@@ -158,15 +158,6 @@ TEST_F(Mirror, UnknownItemsAndMissingControlsChangeNothing) {
   for (ui::Control* c : rig.window.onPage("settingsTab", 2)) EXPECT_EQ(c->entries().size(), before[i++].size());
 }
 
-TEST_F(Mirror, WritesWithNoPortAreDropped) {
-  rig.c().openOrClosePort();
-  ASSERT_FALSE(rig.port->isOpen());
-  rig.port->clearWrites();
-  popUp(0, 2010108).choose(1);
-  EXPECT_EQ(rig.written(), "");
-  EXPECT_EQ(rig.c().cmd, "EX0101081;");
-}
-
 TEST(MenuFilter, MatchesCodeInAnySpellingAndTheLabel) {
   const menu::MenuItem* item = menu::findMenuItem("010107");
   ASSERT_NE(item, nullptr);

@@ -96,11 +96,13 @@ TEST_F(Radio, ModeAnswersSelectThePopUpAndReadTheMessageMemories) {
 }
 
 TEST_F(Radio, InformationAnswersFollowVfoOrMemoryOperation) {
+  rig.at("tlFreqBButton").setBezel(ui::Bezel::Blue);
   rig.receive("IF001014074000+0000000120000;");  // character 22 is "1"
   EXPECT_EQ(rig.c().tlMemChA, "001");
   EXPECT_EQ(rig.c().tlModeA, "memory");
   EXPECT_EQ(rig.at("tlMemAButton").bezel(), ui::Bezel::Blue);
   EXPECT_EQ(rig.at("tlFreqAButton").bezel(), ui::Bezel::None);
+  EXPECT_EQ(rig.at("tlFreqBButton").bezel(), ui::Bezel::Blue);  // side B keeps its own highlight
   EXPECT_EQ(rig.written(), "MT001;");
   rig.port->clearWrites();
   rig.receive("IF017014074000000000000;");  // character 22 is "0"

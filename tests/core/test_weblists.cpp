@@ -328,26 +328,6 @@ TEST_F(WebLists, FailuresLeaveListsEmptyAndSaySoUnderTheTable) {
   EXPECT_EQ(rig.at("netsStatusLabel").title(), "The Nets list address is not set.");
 }
 
-TEST_F(WebLists, RefreshButtonsPlayFunkWhenTheListIsShown) {
-  rig.openPort();
-  rig.sounds.played.clear();
-  rig.at("potaRefreshButton").click();
-  EXPECT_TRUE(rig.sounds.played.empty());
-  rig.scheduler.advance(1999ms);
-  EXPECT_TRUE(rig.sounds.played.empty());
-  rig.scheduler.advance(1ms);
-  EXPECT_EQ(rig.sounds.played, (std::vector<std::string>{"resource:Funk"}));
-  for (const char* b :
-       {"sotaRefreshButton", "netLoggerRefreshButton", "netsRefreshButton", "bandConditionsRefreshButton"})
-    rig.at(b).click();
-  rig.scheduler.advance(2s);
-  EXPECT_EQ(rig.sounds.played.size(), 5u);
-  EXPECT_EQ(rig.at("sotaRefreshButton").tag(), 813);
-  EXPECT_EQ(rig.at("netLoggerRefreshButton").tag(), 812);
-  EXPECT_EQ(rig.at("netsRefreshButton").tag(), 814);
-  EXPECT_EQ(rig.at("bandConditionsRefreshButton").tag(), 810);
-}
-
 TEST_F(WebLists, SotaCellsAndTune) {
   serve(
       "https://api2.sota.org.uk/api/spots/-3/all",
