@@ -25,17 +25,6 @@
 namespace tolvane::desktop {
 namespace {
 
-struct Outcome : platform::SerialPortListener {
-  int opened = 0;
-  std::optional<platform::OpenFailure> failure;
-  void serialPortWasOpened(platform::SerialPort&) override { ++opened; }
-  void serialPortWasClosed(platform::SerialPort&) override {}
-  void serialPortDidReceiveData(platform::SerialPort&, std::string_view) override {}
-  void serialPortWasRemovedFromSystem(platform::SerialPort&) override {}
-  void serialPortDidEncounterError(platform::SerialPort&, const std::string&) override {}
-  void serialPortFailedToOpen(platform::SerialPort&, const platform::OpenFailure& f) override { failure = f; }
-};
-
 std::string ownName() {
   char buf[64] = {};
   FILE* f = std::fopen("/proc/self/comm", "r");
@@ -54,13 +43,13 @@ TEST(PortCareOnTerminals, APortAlreadyOpenElsewhereIsBusyAndNamesItsHolder) {
   ASSERT_EQ(openpty(&master, &slave, name, nullptr, nullptr), 0);
   close(slave);
   QtSerialPort first{QString::fromLatin1(name)};
-  Outcome a;
+  test::PortEvents a;
   first.setListener(&a);
   first.open(platform::SerialSettings{});
   ASSERT_EQ(a.opened, 1);
 
   QtSerialPort second{QString::fromLatin1(name)};
-  Outcome b;
+  test::PortEvents b;
   second.setListener(&b);
   second.open(platform::SerialSettings{});
   EXPECT_EQ(b.opened, 0);
@@ -74,12 +63,14 @@ TEST(PortCareOnTerminals, APortAlreadyOpenElsewhereIsBusyAndNamesItsHolder) {
 
 TEST(PortCareOnTerminals, AMissingDeviceIsReportedAsNotThere) {
   QtSerialPort port{QStringLiteral("/dev/tolvane-no-such-port")};
-  Outcome o;
+  test::PortEvents o;
   port.setListener(&o);
   port.open(platform::SerialSettings{});
   ASSERT_TRUE(o.failure.has_value());
   EXPECT_EQ(o.failure->reason, platform::OpenFailure::Reason::Missing);
   EXPECT_EQ(o.failure->device, "/dev/tolvane-no-such-port");
+  EXPECT_EQ(o.opened, 0);
+  EXPECT_FALSE(port.isOpen());
   EXPECT_FALSE(port.accessProblem().has_value());
 }
 

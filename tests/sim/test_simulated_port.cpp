@@ -13,21 +13,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-struct Recorder : platform::SerialPortListener {
-  std::vector<std::string> deliveries;
-  int opened = 0, closed = 0;
-  void serialPortWasOpened(platform::SerialPort&) override { ++opened; }
-  void serialPortWasClosed(platform::SerialPort&) override { ++closed; }
-  void serialPortDidReceiveData(platform::SerialPort&, std::string_view bytes) override {
-    deliveries.emplace_back(bytes);
-  }
-  void serialPortWasRemovedFromSystem(platform::SerialPort&) override {}
-  void serialPortDidEncounterError(platform::SerialPort&, const std::string&) override {}
-};
-
 struct Line {
   test::FakeScheduler scheduler;
-  Recorder listener;
+  test::PortEvents listener;
   std::unique_ptr<sim::SimulatedSerialPort> port;
   explicit Line(sim::SimulatedSerialPort::Options options = {}) {
     port = std::make_unique<sim::SimulatedSerialPort>(scheduler, options);
@@ -106,7 +94,7 @@ TEST(SimulatedPort, DemoAndBootRunOnTheScheduler) {
 
 TEST(SimulatedPort, WorkScheduledBeforeThePortWentAwayDoesNothing) {
   test::FakeScheduler scheduler;
-  Recorder listener;
+  test::PortEvents listener;
   {
     sim::SimulatedSerialPort::Options demo;
     demo.demo = true;

@@ -87,6 +87,26 @@ class FakeSerialPort : public platform::SerialPort {
   std::vector<Write> writes_;
 };
 
+// Records what a serial port tells its listener.
+struct PortEvents : platform::SerialPortListener {
+  int opened = 0, closed = 0, removed = 0, errors = 0;
+  std::vector<std::string> deliveries;  // each delivery's bytes
+  std::string received, lastError;      // all bytes, and the last error's text
+  std::optional<platform::OpenFailure> failure;
+  void serialPortWasOpened(platform::SerialPort&) override { ++opened; }
+  void serialPortWasClosed(platform::SerialPort&) override { ++closed; }
+  void serialPortDidReceiveData(platform::SerialPort&, std::string_view bytes) override {
+    deliveries.emplace_back(bytes);
+    received += bytes;
+  }
+  void serialPortWasRemovedFromSystem(platform::SerialPort&) override { ++removed; }
+  void serialPortDidEncounterError(platform::SerialPort&, const std::string& error) override {
+    ++errors;
+    lastError = error;
+  }
+  void serialPortFailedToOpen(platform::SerialPort&, const platform::OpenFailure& f) override { failure = f; }
+};
+
 class FakePortManager : public platform::PortManager {
  public:
   std::vector<platform::SerialPortPtr> availablePorts() override { return ports; }
