@@ -25,6 +25,22 @@ quint16 freePort() {
   return probe.serverPort();
 }
 
+// POSTs `body` to /RPC2 on a port of 127.0.0.1 with the given headers; what
+// came back when the response ended or the server closed the connection.
+QByteArray httpPost(quint16 to, const QByteArray& headers, const QByteArray& body) {
+  QTcpSocket s;
+  s.connectToHost(QHostAddress::LocalHost, to);
+  (void)QTest::qWaitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
+  s.write("POST /RPC2 HTTP/1.1\r\n" + headers + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" +
+          body);
+  QByteArray got;
+  (void)QTest::qWaitFor([&] {
+    got += s.readAll();
+    return s.state() != QAbstractSocket::ConnectedState || got.contains("</methodResponse>\r\n");
+  });
+  return got + s.readAll();
+}
+
 TEST(XmlRpcReader, ReadsTheCallsClientsSend) {
   // As one widespread client sends it, with its malformed naming instruction.
   const QByteArray first =
@@ -175,18 +191,7 @@ TEST_F(Servers, XmlRpcOverHttp) {
   EXPECT_EQ(log.lines.at(0), "Rig sharing: the flrig XML-RPC server listens on 127.0.0.1:" + std::to_string(port));
 
   auto post = [port](const QByteArray& body) {
-    QTcpSocket s;
-    s.connectToHost(QHostAddress::LocalHost, port);
-    (void)QTest::qWaitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
-    s.write("POST /RPC2 HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: text/xml\r\nContent-Length: " +
-            QByteArray::number(body.size()) + "\r\n\r\n" + body);
-    QByteArray got;
-    (void)QTest::qWaitFor([&] {
-      got += s.readAll();
-      return got.contains("</methodResponse>\r\n") || s.state() != QAbstractSocket::ConnectedState;
-    });
-    got += s.readAll();
-    return got;
+    return httpPost(port, "Host: 127.0.0.1\r\nContent-Type: text/xml\r\n", body);
   };
   QByteArray answer = post(
       "<?xml version=\"1.0\"?>\r\n<?clientid=\"hamlib(1)\"?>\r\n<methodCall><methodName>rig.get_vfo"
@@ -217,19 +222,6 @@ TEST_F(Servers, WebPagesAreRefused) {
   const QByteArray keying =
       "<methodCall><methodName>rig.set_ptt</methodName><params><param><value><i4>1</i4></value></param></params>"
       "</methodCall>";
-  auto post = [](quint16 to, const QByteArray& headers, const QByteArray& body) {
-    QTcpSocket s;
-    s.connectToHost(QHostAddress::LocalHost, to);
-    (void)QTest::qWaitFor([&] { return s.state() == QAbstractSocket::ConnectedState; });
-    s.write("POST /RPC2 HTTP/1.1\r\n" + headers + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" +
-            body);
-    QByteArray got;
-    (void)QTest::qWaitFor([&] {
-      got += s.readAll();
-      return s.state() != QAbstractSocket::ConnectedState || got.contains("</methodResponse>");
-    });
-    return got + s.readAll();
-  };
   const std::pair<QByteArray, const char*> refused[] = {
       {"Host: 127.0.0.1\r\nContent-Type: text/plain\r\nOrigin: http://example.org\r\n", "from web pages"},
       {"Host: 127.0.0.1\r\nContent-Type: text/plain\r\n", "Content-Type text/xml"},
@@ -238,18 +230,18 @@ TEST_F(Servers, WebPagesAreRefused) {
       {"Host: attacker.example:12345\r\nContent-Type: text/xml\r\n", "Unknown Host"},
   };
   for (const auto& [headers, why] : refused) {
-    const QByteArray answer = post(port, headers, keying);
+    const QByteArray answer = httpPost(port, headers, keying);
     EXPECT_TRUE(answer.startsWith("HTTP/1.1 403 Forbidden\r\n")) << answer.constData();
     EXPECT_TRUE(answer.contains(why)) << answer.constData();
   }
   EXPECT_EQ(rig.sent, "");
   // The same call from a program, with the listening address as its Host.
-  EXPECT_TRUE(post(port, "Host: localhost:12345\r\nContent-Type: text/xml; charset=utf-8\r\n", keying)
+  EXPECT_TRUE(httpPost(port, "Host: localhost:12345\r\nContent-Type: text/xml; charset=utf-8\r\n", keying)
                   .startsWith("HTTP/1.1 200 OK\r\n"));
   EXPECT_EQ(rig.sent, "TX1;");
   // The rigctld port closes on an HTTP request line without acting on the body.
   rig.sent.clear();
-  EXPECT_EQ(post(rigctlPort, "Host: 127.0.0.1\r\nContent-Type: text/plain\r\n", "T 1\n"), "");
+  EXPECT_EQ(httpPost(rigctlPort, "Host: 127.0.0.1\r\nContent-Type: text/plain\r\n", "T 1\n"), "");
   EXPECT_EQ(rig.sent, "");
 }
 
