@@ -310,9 +310,19 @@ TEST_F(Buttons, ManualAndListRefreshesResendTheBuffer) {
   EXPECT_EQ(press(rig.at("makerPageButton")), "MD02;BI1;BI1;");
   EXPECT_EQ(rig.browser.opened, (std::vector<std::string>{"file:///usr/share/tolvane/manual.md"}));
   rig.sounds.played.clear();
-  for (const char* refresh : {"bandConditionsRefreshButton", "potaRefreshButton", "netLoggerRefreshButton",
-                              "sotaRefreshButton", "netsRefreshButton"})
-    EXPECT_EQ(press(rig.at(refresh)).substr(0, 5), "MD02;") << refresh;
+  rig.c().overrideServiceAddress("nets", "http://nets.local");
+  // Each refresh button fetches its own list and resends the buffer.
+  const std::pair<const char*, const char*> refreshes[] = {
+      {"bandConditionsRefreshButton", "https://www.hamqsl.com/solarxml.php"},
+      {"potaRefreshButton", "https://api.pota.app/spot/activator"},
+      {"netLoggerRefreshButton", "https://www.netlogger.org/api/GetActiveNets.php"},
+      {"sotaRefreshButton", "https://api2.sota.org.uk/api/spots/-3/all"},
+      {"netsRefreshButton", "http://nets.local/nets.php"}};
+  for (const auto& [button, url] : refreshes) {
+    EXPECT_EQ(press(rig.at(button)).substr(0, 5), "MD02;") << button;
+    ASSERT_FALSE(rig.http.requests.empty());
+    EXPECT_EQ(rig.http.requests.back().url, url) << button;
+  }
   // "Funk" follows each list's two-second wait.
   rig.scheduler.advance(1999ms);
   EXPECT_TRUE(rig.sounds.played.empty());
