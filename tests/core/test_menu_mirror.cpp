@@ -75,7 +75,7 @@ TEST_F(Mirror, ValuesTheListDoesNotHoldAreShownMarkedAsReported) {
   rig.receive("EX0101040525;");
   ASSERT_EQ(title.entries().size(), before + 1);
   EXPECT_EQ(title.titleOfSelectedItem(), "0525");
-  EXPECT_EQ(title.entries().back().image, ui::kStatusReported);
+  EXPECT_EQ(title.entries().back().image, "TolvaneStatusReported");
   // Reported again: selected, not added twice; choosing it writes the value itself.
   rig.receive("EX0101040010;EX0101040525;");
   EXPECT_EQ(title.entries().size(), before + 1);
@@ -89,7 +89,7 @@ TEST_F(Mirror, ValuesTheListDoesNotHoldAreShownMarkedAsReported) {
   rig.receive("EX01010745;");
   ASSERT_EQ(twoDigits.selectedIndex(), 45);
   EXPECT_EQ(twoDigits.titleOfSelectedItem(), "45");
-  EXPECT_EQ(twoDigits.entries()[45].image, ui::kStatusReported);
+  EXPECT_EQ(twoDigits.entries()[45].image, "TolvaneStatusReported");
   EXPECT_GT(45, known);
   EXPECT_EQ(choose(twoDigits, 45), "EX01010745;");
 }
@@ -138,10 +138,10 @@ TEST_F(Mirror, ValuesTheRadioReportedStayThroughAReplugAndAReread) {
   rig.ports.listener->serialPortsWereDisconnected({"ttyUSB0"});
   rig.ports.listener->serialPortsWereConnected({"ttyUSB0"});
   EXPECT_EQ(level.titleOfSelectedItem(), "150");
-  EXPECT_EQ(level.entries().back().image, ui::kStatusReported);
+  EXPECT_EQ(level.entries().back().image, "TolvaneStatusReported");
   EXPECT_EQ(width.titleOfSelectedItem(), "45");
   ASSERT_GT(width.entries().size(), 45u);
-  EXPECT_EQ(width.entries()[45].image, ui::kStatusReported);
+  EXPECT_EQ(width.entries()[45].image, "TolvaneStatusReported");
   rig.receive("EX030401150;EX04010445;");  // the group read again
   EXPECT_EQ(level.entries().size(), levelEntries);
   EXPECT_EQ(width.entries().size(), widthEntries);

@@ -143,17 +143,17 @@ TEST(HotPlug, ValuePopUpsAreFilledAndMarkedByEveryRunOfTheSetUp) {
   rig.ports.listener->serialPortsWereConnected({"ttyUSB2"});
   ASSERT_EQ(hang->entries().size(), 9999u);
   EXPECT_EQ(hang->entries().front().title, "0001");
-  EXPECT_EQ(hang->entries().front().image, ui::kStatusPartiallyAvailable);
+  EXPECT_EQ(hang->entries().front().image, "NSStatusPartiallyAvailable");
   EXPECT_EQ(hang->entries().back().title, "9999");
   EXPECT_EQ(hang->titleOfSelectedItem(), "0042");
   ASSERT_EQ(power->entries().size(), 96u);
   EXPECT_EQ(power->entries().front().title, "5w");
   EXPECT_EQ(power->entries().back().title, "100w");
-  EXPECT_EQ(power->entries().back().image, ui::kStatusAvailable);
+  EXPECT_EQ(power->entries().back().image, "NSStatusAvailable");
   ASSERT_EQ(delay->entries().size(), 31u);
   EXPECT_EQ(delay->entries()[0].title, "0000");
   EXPECT_EQ(delay->entries()[15].title, "0150");
-  EXPECT_EQ(delay->entries()[15].image, ui::kStatusPartiallyAvailable);
+  EXPECT_EQ(delay->entries()[15].image, "NSStatusPartiallyAvailable");
   EXPECT_EQ(delay->entries()[14].image, "");
   EXPECT_EQ(two->entries()[10].title, "10");
 }
