@@ -139,6 +139,7 @@ TEST(SimulatorWithController, OnOpenSequenceFillsTheDisplay) {
   s.breakIn = true;
   s.menu["010104"] = "0300";
   s.menu["010107"] = "05";
+  for (const char* item : {"020108", "030101", "040102"}) s.menu[item] = "2";
   s.menu["040101"] = "AB1CD       ";
   rig.ports.ports.push_back(simulator);
   rig.c().refreshPortList();
@@ -164,6 +165,9 @@ TEST(SimulatorWithController, OnOpenSequenceFillsTheDisplay) {
   // The four menu groups were read: titles, positions and the call sign.
   EXPECT_EQ(rig.window.viewWithTag("settingsTab", 0, 2010104)->titleOfSelectedItem(), "0300");
   EXPECT_EQ(rig.window.viewWithTag("settingsTab", 0, 2010107)->selectedIndex(), 5);
+  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 1, 2020108)->selectedIndex(), 2);
+  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 2, 2030101)->selectedIndex(), 2);
+  EXPECT_EQ(rig.window.viewWithTag("settingsTab", 3, 2040102)->selectedIndex(), 2);
   EXPECT_EQ(rig.window.viewWithTag("settingsTab", 3, 2040101)->text(), "AB1CD");
 
   // Front-panel changes reach the window by auto-information.
