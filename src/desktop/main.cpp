@@ -16,11 +16,11 @@
 #include "desktop/CommandLine.h"
 #include "desktop/TraceDriver.h"
 #include "desktop/servers/ShareServers.h"
+#include "desktop/services/MediaLoader.h"
 #include "desktop/services/NetsKey.h"
 #include "desktop/services/QtSerial.h"
 #include "desktop/services/QtServices.h"
 #include "desktop/services/Resources.h"
-#include "desktop/services/SoundPlayer.h"
 #include "desktop/window/Binder.h"
 #include "desktop/window/FontWarmUp.h"
 #include "desktop/window/LogDesk.h"
@@ -125,21 +125,53 @@ int main(int argc, char** argv) {
   }
 
   desktop::QtSettingsStore settings;
-  desktop::QtSpeech speech;
-  desktop::SoundPlayer sounds(desktop::soundsDirectory());
+  desktop::StdoutLog log;
+  // Sounds and the voice guide come from their own module, loaded when wanted.
+  desktop::MediaLoader media(desktop::mediaModulePath(), desktop::soundsDirectory(), log);
   desktop::QtNotifications notifications;
   desktop::QtHttpClient http;
   desktop::QtBrowser browser;
   desktop::QtAlerts alerts;
-  desktop::StdoutLog log;
   desktop::QtFiles files;
-  platform::Services services{ports, scheduler, settings, speech, sounds, notifications, http, browser, alerts, log};
+  platform::Services services{ports, scheduler, settings, media, media, notifications, http, browser, alerts, log};
   step("services");
 
   ui::Window model;
   buildWindow(model);
   SerialPortDemoController controller(services, model);
   step("controller");
+  controller.setFiles(&files);
+  // The set-up routine works on the controls model, so it runs while the font
+  // list is still being read; the widgets are made from the model after it.
+  // The addresses first: the start-up fetches read them.
+  for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
+  for (const spots::Service& s : spots::kServices) {
+    // The park and map pages open in the browser; only the lists are fetched.
+    if (const std::string_view name = s.name; name == "pota-web" || name == "map") continue;
+    if (controller.serviceAddress(s.name).starts_with("https:")) {
+      http.loadTlsInBackground();
+      break;
+    }
+  }
+  controller.awakeFromNib();
+  if (!options.port.isEmpty()) {
+    bool found = false;
+    for (const auto& p : ports.availablePorts()) {
+      const QString title = QString::fromStdString(p->description());
+      if (desktop::portMatches(options.port, title, QString::fromStdString(p->name()))) {
+        found = controller.choosePort(p->description());
+        break;
+      }
+    }
+    if (!found) std::fprintf(stderr, "tolvane: no port named %s\n", qPrintable(options.port));
+  }
+  bool connectNow = options.connect;
+#ifdef TOLVANE_HAVE_SIM
+  // The run command's first look at the program: a working radio at once.
+  if (options.trySimulator && options.port.isEmpty())
+    connectNow = controller.chooseSimulatorUnlessRadioRemembered(ports.simulator()->description()) || connectNow;
+#endif
+  step("set-up");
   fonts.wait();
   step("fonts");
   desktop::Binder binder(model);
@@ -148,7 +180,6 @@ int main(int argc, char** argv) {
   step("pages");
   alerts.setParent(&window);
   files.setParent(&window);
-  controller.setFiles(&files);
   // The manual installed with the program; Help > Manual and the manual button open it.
   if (const QString manual = desktop::manualPath(); !manual.isEmpty()) {
     const std::string address = QUrl::fromLocalFile(manual).toString().toStdString();
@@ -178,36 +209,7 @@ int main(int argc, char** argv) {
     desktop::readGesturesFromStandardInput(model, &root);
   }
 
-  // Before the start-up fetches, which read the addresses.
-  for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
-  for (const spots::Service& s : spots::kServices) {
-    // The park and map pages open in the browser; only the lists are fetched.
-    if (const std::string_view name = s.name; name == "pota-web" || name == "map") continue;
-    if (controller.serviceAddress(s.name).starts_with("https:")) {
-      http.loadTlsInBackground();
-      break;
-    }
-  }
-  controller.awakeFromNib();
-  if (!options.port.isEmpty()) {
-    bool found = false;
-    for (const auto& p : ports.availablePorts()) {
-      const QString title = QString::fromStdString(p->description());
-      if (desktop::portMatches(options.port, title, QString::fromStdString(p->name()))) {
-        found = controller.choosePort(p->description());
-        break;
-      }
-    }
-    if (!found) std::fprintf(stderr, "tolvane: no port named %s\n", qPrintable(options.port));
-  }
-  bool connectNow = options.connect;
-#ifdef TOLVANE_HAVE_SIM
-  // The run command's first look at the program: a working radio at once.
-  if (options.trySimulator && options.port.isEmpty())
-    connectNow = controller.chooseSimulatorUnlessRadioRemembered(ports.simulator()->description()) || connectNow;
-#endif
   controller.applicationDidFinishLaunching();
-  step("set-up");
 
   // Rig sharing: both servers start with the program, on the preferences'
   // address and ports unless the command line says otherwise for this run.
@@ -265,6 +267,12 @@ int main(int argc, char** argv) {
     controller.startConnection(connectNow);
   };
   QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, connectOnce, Qt::QueuedConnection);
+  // With sounds or the voice guide on, their module is loaded as soon as the
+  // window is on screen, so the port's opening sound finds it ready; with
+  // both off, the first sound asked for loads it.
+  QObject::connect(&media, &desktop::MediaLoader::loaded, [] { step("media"); });
+  if (controller.tlSounds == "1" || controller.tlVoiceGuide == "1")
+    QObject::connect(&window, &desktop::MainWindow::firstPainted, &media, &desktop::MediaLoader::load);
   QTimer::singleShot(1000, &window, connectOnce);
   return app->exec();
 }

@@ -14,6 +14,10 @@ cmake --install "$build" --prefix "$prefix" >"$work/install.log" || fail "cmake 
 for f in bin/tolvane bin/tolvane-sim; do
   [ -x "$prefix/$f" ] || fail "$f is not installed as a program"
 done
+# Sounds and speech are a module of their own, beside the program's libraries.
+module=$(find "$prefix" -name libtolvane-media.so)
+[ -n "$module" ] || fail "the sounds-and-speech module is not installed"
+case "$module" in "$prefix"/lib*/tolvane/libtolvane-media.so) ;; *) fail "the module is installed at $module" ;; esac
 for f in share/tolvane/Sounds/Seatbelts.aiff share/tolvane/Sounds/System-Bottle.aiff \
   share/tolvane/Sounds/System-Frog.aiff share/tolvane/docs/manual.md \
   share/applications/org.tolvane.Tolvane.desktop \
@@ -45,8 +49,11 @@ expected:
 $expected"
 
 # Started with the simulated transceiver, it connects; the settings go to a
-# configuration folder of the test's own.
+# configuration folder of the test's own. With sounds on, the installed
+# program loads its sounds-and-speech module once the window is shown.
 export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data
+mkdir -p "$work/config/Tolvane"
+printf '[General]\nsounds=1\n' >"$work/config/Tolvane/Tolvane.conf"
 TOLVANE_TRACE=1 "$prefix/bin/tolvane" --port "Simulated transceiver" --connect >"$work/stdout" 2>"$work/stderr" &
 pid=$!
 for _ in $(seq 1 300); do
@@ -63,4 +70,10 @@ for _ in $(seq 1 50); do
 done
 grep -qx 'defaultPort=Simulated transceiver' "$work/config/Tolvane/Tolvane.conf" ||
   fail "the opened port was not saved: $(cat "$work/config/Tolvane/Tolvane.conf" 2>&1)"
+for _ in $(seq 1 50); do
+  grep -q '^trace step media ' "$work/stderr" && break
+  sleep 0.1
+done
+grep -q '^trace step media ' "$work/stderr" || fail "the installed program did not load its module: $(cat "$work/stdout")"
+if grep -q 'Sounds and the voice guide are off' "$work/stdout"; then fail "$(cat "$work/stdout")"; fi
 echo "installed into $prefix and started"

@@ -31,7 +31,7 @@ files=$(dpkg-deb -c "$deb" | awk '{print $6}')
 for f in ./usr/bin/tolvane ./usr/bin/tolvane-sim ./usr/share/applications/org.tolvane.Tolvane.desktop \
   ./usr/share/icons/hicolor/scalable/apps/org.tolvane.Tolvane.svg \
   ./usr/share/metainfo/org.tolvane.Tolvane.metainfo.xml ./usr/share/tolvane/docs/manual.md \
-  ./usr/share/tolvane/Sounds/System-Frog.aiff ./usr/share/doc/tolvane/copyright; do
+  ./usr/share/tolvane/Sounds/System-Frog.aiff ./usr/share/doc/tolvane/copyright ./usr/lib/tolvane/libtolvane-media.so; do
   grep -qx -- "$f" <<<"$files" || fail "the package lacks $f"
 done
 if grep -E 'tests|bench|/include/|\.a$' <<<"$files"; then fail "the package carries build-only files"; fi

@@ -18,7 +18,6 @@
 #include "platform/Platform.h"
 
 class QNetworkAccessManager;
-class QTextToSpeech;
 class QWidget;
 class QSettings;
 
@@ -59,28 +58,6 @@ class QtSettingsStore : public platform::SettingsStore {
   bool writing_ = false;
   bool stop_ = false;
   std::thread writer_;
-};
-
-// QTextToSpeech on a US English voice. Its say() cuts off the current
-// utterance, so the adapter keeps the queue and speaks the next one only when
-// the engine is ready again. The engine starts at the first utterance.
-class QtSpeech : public QObject, public platform::Speech {
-  Q_OBJECT
- public:
-  explicit QtSpeech(QString engine = QStringLiteral("flite"), QObject* parent = nullptr);
-  ~QtSpeech() override;
-  void speak(const std::string& text) override;
-  std::size_t queued() const { return queue_.size(); }
-
- private:
-  void startEngine();
-  void next();
-
-  QString engineName_;
-  QTextToSpeech* tts_ = nullptr;
-  bool failed_ = false;
-  bool busy_ = false;
-  std::deque<QString> queue_;
 };
 
 // Freedesktop notifications over the session bus. Calls never block: the
