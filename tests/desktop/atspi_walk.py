@@ -26,16 +26,11 @@ python3-dbus or python3-gi is missing (skipped).
 
 Usage: dbus-run-session -- atspi_walk.py path/to/tolvane path/to/tolvane-sim
 """
-import datetime
-import http.server
-import json
 import os
 import re
 import shutil
 import subprocess
 import sys
-import tempfile
-import threading
 import time
 
 try:
@@ -48,13 +43,17 @@ except ImportError:
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import screen_reader  # noqa: E402
+from desktop_session import Session, spot_server  # noqa: E402
 
 EXE, SIM = sys.argv[1], sys.argv[2]
 ACC = "org.a11y.atspi.Accessible"
 PROPS = "org.freedesktop.DBus.Properties"
 DEC = "org.a11y.atspi.DeviceEventController"
-KEY_TAB, KEY_RETURN, KEY_DOWN, KEY_ESCAPE, KEY_CTRL, KEY_COMMA, KEY_ALT, KEY_H, KEY_A = \
-    23, 36, 116, 9, 37, 59, 64, 43, 38
+# X key codes of the keys the walk presses, for the bus's device event
+# controller where xdotool is not installed (modifier first in a chord).
+KEYCODES = {"Tab": (23,), "Return": (36,), "Down": (116,), "Escape": (9,), "ctrl+comma": (37, 59),
+            "alt+h": (64, 43), "a": (38,)}
+XDOTOOL = shutil.which("xdotool")
 LABELLED_BY = 2
 STATE_CHECKED, STATE_ENABLED, STATE_FOCUSED = 4, 8, 12
 # A name made from an identifier: "Pota table", "Band box", "Pota status label".
@@ -71,21 +70,6 @@ def fail(step):
     sys.exit(1)
 
 
-class Spots(http.server.BaseHTTPRequestHandler):
-    def do_GET(self):
-        now = datetime.datetime.now(datetime.timezone.utc).strftime("%Y-%m-%dT%H:%M:%S")
-        spot = {"activator": "K1AAA", "frequency": "14074", "mode": "FT8", "comments": "", "name": "Park A",
-                "spotTime": now, "locationDesc": "US-ME", "reference": "US-0001"}
-        body = json.dumps([spot] if self.path == "/spot/activator" else []).encode()
-        self.send_response(200)
-        self.send_header("Content-Length", str(len(body)))
-        self.end_headers()
-        self.wfile.write(body)
-
-    def log_message(self, *args):
-        pass
-
-
 class Bus:
     """The accessibility bus: tree look-ups, keys, and the focus and caret
     events in the order they arrive."""
@@ -95,6 +79,7 @@ class Bus:
         address = session.get_object("org.a11y.Bus", "/org/a11y/bus").GetAddress(dbus_interface="org.a11y.Bus")
         self.bus = dbus.bus.BusConnection(address)
         self.events = []  # (kind, (sender, path))
+        self.known = {}
         self.bus.add_signal_receiver(self._state, signal_name="StateChanged",
                                      dbus_interface="org.a11y.atspi.Event.Object",
                                      sender_keyword="sender", path_keyword="path")
@@ -166,11 +151,20 @@ class Bus:
         return None
 
     def wait_find(self, role, name, timeout=30.0):
+        # A page tab or button once found stays where it is; a walk of the
+        # whole tree costs hundreds of calls, so it is made once.
+        known = self.known.get((role, name))
+        try:
+            if known and self.role(known) == role and self.name(known) == name:
+                return known
+        except dbus.DBusException:
+            pass
         end = time.time() + timeout
         while time.time() < end:
             try:
                 found = self.find(role, name)
                 if found:
+                    self.known[(role, name)] = found
                     return found
             except dbus.DBusException:
                 pass
@@ -187,13 +181,49 @@ class Bus:
     def act(self, ref, index=0):
         self.node(ref).DoAction(index, dbus_interface="org.a11y.atspi.Action")
 
-    def key(self, code, kind=2):
-        self.controller.GenerateKeyboardEvent(code, "", kind, dbus_interface=DEC)
+    def key(self, name):
+        """A key (or chord) from the keyboard: xdotool's test keyboard where
+        installed (the bus's device event controller presses Tab and Return
+        alike, but its Alt does not reach the menu bar), else the controller."""
+        if XDOTOOL:
+            subprocess.run([XDOTOOL, "key", name], timeout=20)
+            return
+        codes = KEYCODES[name]
+        for modifier in codes[:-1]:
+            self.controller.GenerateKeyboardEvent(modifier, "", 0, dbus_interface=DEC)
+        self.controller.GenerateKeyboardEvent(codes[-1], "", 2, dbus_interface=DEC)
+        for modifier in reversed(codes[:-1]):
+            self.controller.GenerateKeyboardEvent(modifier, "", 1, dbus_interface=DEC)
 
-    def chord(self, modifier, code):
-        self.key(modifier, 0)
-        self.key(code)
-        self.key(modifier, 1)
+    def focused_in(self, ref):
+        """The innermost object with the focus (a button box reports the
+        focus of the button it holds)."""
+        for child in self.node(ref).GetChildren(dbus_interface=ACC):
+            found = self.focused_in(child)
+            if found:
+                return found
+        return ref if STATE_FOCUSED in self.states(ref) else None
+
+    def top_levels(self):
+        """The program's windows: (role, name, ref) of each."""
+        out = []
+        for app in self.node(self.root).GetChildren(dbus_interface=ACC):
+            for top in self.node(app).GetChildren(dbus_interface=ACC):
+                out.append((self.role(top), self.name(top), top))
+        return out
+
+    def wait_window(self, roles, name, timeout):
+        end = time.time() + timeout
+        while True:
+            try:
+                for role, title, ref in self.top_levels():
+                    if role in roles and title == name:
+                        return ref
+            except dbus.DBusException:
+                pass
+            if time.time() >= end:
+                return None
+            self.pump(0.1)
 
     def press(self, code):
         """Presses a key and returns the object that then has the focus
@@ -230,9 +260,11 @@ def judge(bus, ref, events):
     interfaces = set(str(i) for i in bus.node(ref).GetInterfaces(dbus_interface=ACC))
     value = ""
     if role == "combo box":
-        value = name  # a pop-up's name is its current entry; its label says what it sets
+        value = combo_entry(bus, ref)
         if not labels and not name:
             problems.append("a pop-up without a label or name")
+        if not value:
+            problems.append("a pop-up that does not say its entry")
     elif role in ("text", "entry", "password text"):
         value = str(bus.node(ref).GetText(0, -1, dbus_interface="org.a11y.atspi.Text"))
         mine = [k for k, r in events if r == ref]
@@ -252,6 +284,14 @@ def judge(bus, ref, events):
     return problems, role, "%s, %s%s" % (spoken, role, (", " + value) if value else "")
 
 
+def combo_entry(bus, ref):
+    """A pop-up's current entry: its text."""
+    try:
+        return str(bus.node(ref).GetText(0, -1, dbus_interface="org.a11y.atspi.Text"))
+    except dbus.DBusException:
+        return ""
+
+
 class Walk:
     def __init__(self, bus, reader):
         self.bus = bus
@@ -259,13 +299,18 @@ class Walk:
         self.stops = {}  # ref -> (page, problems, words)
         self.faults = []
 
-    def round(self, page, limit=400):
-        """Tab round the window as it stands; every new stop is judged."""
+    def round(self, page, window=None, limit=400):
+        """Tab round the window as it stands; every new stop is judged. A
+        window with one control keeps the focus on it: that one is judged."""
         first = None
         for _ in range(limit):
             spoken_before = self.reader.mark()
-            ref, events = self.bus.press(KEY_TAB)
-            if ref is None:
+            ref, events = self.bus.press("Tab")
+            if ref is None and window and first is None:
+                ref = self.bus.focused_in(window)
+            elif ref is None and window and self.bus.focused_in(window) == first:
+                return  # the focus stays on the window's one control
+            elif ref is None:
                 self.faults.append("%s: Tab moved the focus nowhere" % page)
                 return
             if ref == first:
@@ -274,7 +319,7 @@ class Walk:
             if ref in self.stops:
                 continue
             problems, role, words = judge(self.bus, ref, events)
-            heard = self.reader.heard_since(spoken_before)
+            heard = self.reader.heard_since(spoken_before, words.split(", ")[0])
             if self.reader.running and not heard:
                 problems.append("nothing was spoken")
             self.stops[ref] = (page, problems, words)
@@ -306,26 +351,13 @@ def give_focus(bus, pid, title, fallback):
     bus.controller.GenerateMouseEvent(int(x + w // 2), int(y + h // 2), "b1c", dbus_interface=DEC)
 
 
-def wired(wire, before, text, timeout=20.0):
-    end = time.time() + timeout
-    while time.time() < end:
-        sent = "".join(line.split()[1] for line in open(wire).readlines()[before:] if len(line.split()) > 1)
-        if text in sent:
-            return True
-        time.sleep(0.1)
-    return False
-
-
-def lines(wire):
-    return len(open(wire).readlines())
-
-
-def check_actions(bus, wire, faults):
-    """The accessible actions and text of issue-prone controls, by the wire."""
-    band = bus.find_any(("check box", "toggle button", "push button"), "Band 40 m")
-    before = lines(wire)
+def check_actions(bus, run, faults):
+    """Accessible actions and text set over the bus, judged by the wire and
+    the window: a band button, a mode button, the message field."""
+    band = bus.find_any(("toggle button", "check box", "push button"), "Band 40 m")
+    before = run.lines()
     bus.act(band)
-    if not wired(wire, before, "BS03;"):
+    if not run.wired(before, "BS03;", pump=bus.pump):
         faults.append("Band 40 m: its accessible action wrote nothing to the radio")
     end = time.time() + 10
     while time.time() < end and STATE_CHECKED not in bus.states(band):
@@ -333,10 +365,10 @@ def check_actions(bus, wire, faults):
     if STATE_CHECKED not in bus.states(band):
         faults.append("Band 40 m: not checked after the radio moved to 40 m")
 
-    cw = bus.find_any(("check box", "toggle button", "push button"), "CW-U")
-    before = lines(wire)
+    cw = bus.find_any(("toggle button", "check box", "push button"), "CW-U")
+    before = run.lines()
     bus.act(cw)
-    if not wired(wire, before, "MD03;"):
+    if not run.wired(before, "MD03;", pump=bus.pump):
         faults.append("CW-U: its accessible action wrote nothing to the radio")
     end = time.time() + 10
     box = None
@@ -349,14 +381,15 @@ def check_actions(bus, wire, faults):
     field = bus.find_any(("text", "entry"), "Message text")
     bus.node(field).SetTextContents("CQ TEST", dbus_interface="org.a11y.atspi.EditableText")
     bus.pump(0.2)
-    before = lines(wire)
+    before = run.lines()
     bus.act(bus.wait_find("push button", "Send message text"))
-    if not wired(wire, before, "KM5CQ TEST};"):
+    if not run.wired(before, "KM5CQ TEST};", pump=bus.pump):
         faults.append("text set over the bus was not the text sent")
 
 
-def check_pota_return(bus, wire, faults):
-    """Return on the POTA row (reached by Tab and the arrow keys) tunes."""
+def check_pota_return(bus, run, faults):
+    """The POTA row, reached by Tab and Down, read as its cells with what
+    Return does; Return pressed on it tunes the radio."""
     table = bus.wait_find("table", "POTA spots")
     for attempt in range(4):
         end = time.time() + 8
@@ -364,11 +397,14 @@ def check_pota_return(bus, wire, faults):
             bus.pump(0.2)
         if int(bus.prop(table, "org.a11y.atspi.Table", "NRows")) == 1:
             break
+        # A loaded machine may miss the list's first wait: fetch again.
         bus.act(bus.wait_find("push button", "Refresh POTA spots"))
     else:
         faults.append("the spot never reached the POTA table")
         return
-    cell = bus.node(table).GetAccessibleAt(0, 1, dbus_interface="org.a11y.atspi.Table")
+    columns = int(bus.prop(table, "org.a11y.atspi.Table", "NColumns"))
+    cells = [bus.node(table).GetAccessibleAt(0, c, dbus_interface="org.a11y.atspi.Table") for c in range(columns)]
+    cell = next((c for c in cells if bus.name(c) == "K1AAA"), cells[0])
     said = str(bus.prop(cell, ACC, "Description"))
     side = re.fullmatch(r"Return tunes VFO ([AB]) to 14\.074 MHz, USB\.", said)
     if bus.name(cell) != "K1AAA" or not side:
@@ -378,75 +414,81 @@ def check_pota_return(bus, wire, faults):
         bus.act(bus.wait_find("page tab", tab))
     bus.pump(0.3)
     for _ in range(30):
-        ref, _ = bus.press(KEY_TAB)
+        ref, _ = bus.press("Tab")
         if ref == table or (ref and bus.role(ref) == "table cell"):
             break
     else:
         faults.append("Tab never reached the POTA table")
         return
-    bus.press(KEY_DOWN)
-    if not bus.node(table).IsRowSelected(0, dbus_interface="org.a11y.atspi.Table"):
-        bus.node(table).AddRowSelection(0, dbus_interface="org.a11y.atspi.Table")
-    before = lines(wire)
-    bus.key(KEY_RETURN)
-    if not wired(wire, before, "MD02;SF1E;F%s014074000;SS0640000;" % side.group(1)):
+    # Down puts the keyboard on the row (selected or only current: Return
+    # acts on the row the keyboard is on).
+    bus.press("Down")
+    before = run.lines()
+    bus.key("Return")
+    if not run.wired(before, "MD02;SF1E;F%s014074000;SS0640000;" % side.group(1), pump=bus.pump):
         faults.append("Return on the POTA row did not tune")
 
 
+def open_about(bus, app, reader, connection):
+    """Help > About Tolvane from the keyboard (Alt+H, A). The box is a
+    message box: a window of its own, role "alert message" on the bus."""
+    roles = ("alert message", "alert", "dialog")
+    give_focus(bus, app.pid, "Tolvane", connection)
+    about = None
+    if XDOTOOL:
+        bus.key("alt+h")
+        bus.pump(0.3)
+        bus.key("a")
+        about = bus.wait_window(roles, "About Tolvane", 10)
+    if not about:
+        print("NOTE: no keyboard for the menu bar; About opened through the menu item's action")
+        # The box runs modally inside the action: its reply is not awaited.
+        bus.node(bus.wait_find("menu item", "About Tolvane")).DoAction(
+            0, dbus_interface="org.a11y.atspi.Action", ignore_reply=True)
+        about = bus.wait_window(roles, "About Tolvane", 20)
+    return about
+
+
 def main():
-    work = tempfile.mkdtemp(prefix="tolvane-atspi-")
-    read_end, write_end = os.pipe()
-    try:
-        xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1440x1024x24"],
-                                pass_fds=(write_end,), stderr=subprocess.DEVNULL)
-    except FileNotFoundError:
-        print("SKIPPED: no Xvfb")
-        return 77
-    os.close(write_end)
-    display = os.read(read_end, 16).decode().strip()
-    if not display:
-        print("SKIPPED: Xvfb did not start")
-        return 77
-    os.environ["DISPLAY"] = ":" + display
-    DBusGMainLoop(set_as_default=True)
-    # The accessibility bus and its registry start on demand from this
-    # session; they generate key and mouse events on this display.
-    dbus.SessionBus().get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").UpdateActivationEnvironment(
-        {"DISPLAY": ":" + display}, dbus_interface="org.freedesktop.DBus")
-    server = http.server.HTTPServer(("127.0.0.1", 0), Spots)
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    wire = os.path.join(work, "wire.log")
-    sim = subprocess.Popen([SIM, "--boot", "0", "--log", wire], stdout=subprocess.PIPE)
-    pty = sim.stdout.readline().decode().strip()
-    reader = screen_reader.ScreenReader(work)
-    env = dict(os.environ, QT_QPA_PLATFORM="xcb", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", XDG_CONFIG_HOME=work)
-    pota = "pota=http://127.0.0.1:%d" % server.server_port
-    app = subprocess.Popen([EXE, "--port", pty, "--connect", "--rigctld-port", "0", "--flrig-port", "0",
-                            "--service", pota, "--service", "sota=", "--service", "netlogger=",
-                            "--service", "nets=", "--service", "mw=", "--service", "hamqsl="],
-                           env=env, stdout=subprocess.DEVNULL, stderr=open(os.path.join(work, "app.err"), "w"))
-    try:
-        return drive(app, wire, reader)
-    finally:
-        reader.stop()
-        app.terminate()
-        app.wait()
-        sim.terminate()
-        sim.wait()
-        xvfb.terminate()
-        xvfb.wait()
+    with Session("tolvane-walk-") as run:
+        run.x_server()
+        DBusGMainLoop(set_as_default=True)
+        server = spot_server(("K1AAA", "14074", "FT8", "Park A", "US-0001"))
+        pty = run.simulator(SIM)
+        reader = screen_reader.ScreenReader(run.work)
+        app = run.program(EXE, pty, server.server_port)
+        try:
+            code = drive(app, run, reader)
+        finally:
+            reader.stop()
+        run.keep = code != 0
+        return code
 
 
-def drive(app, wire, reader):
-    bus = Bus()
-    connection = bus.wait_find("page tab", "Connection")
-    # The on-open sequence is over once the memory read has finished.
-    end = time.time() + 60
-    while time.time() < end and not (os.path.exists(wire) and "EX040302;" in open(wire).read()):
+def connect():
+    """The accessibility bus; its registry is started on demand and may be
+    asked again if its first start lost the race with the X server."""
+    for attempt in range(10):
+        try:
+            return Bus()
+        except dbus.DBusException as e:
+            print("NOTE: the accessibility registry did not answer (%s); asking again" % e.get_dbus_name())
+            time.sleep(2)
+    fail("the accessibility bus does not answer")
+
+
+def drive(app, run, reader):
+    bus = connect()
+    connection = bus.wait_find("page tab", "Connection", 60)
+    # The on-open sequence is over once the memory read has finished; every
+    # page is built by then.
+    end = time.time() + 90
+    while time.time() < end and "EX040302;" not in run.sent_since(0):
         time.sleep(0.2)
-    print(reader.start())
+    print(reader.start(), flush=True)
     give_focus(bus, app.pid, "Tolvane", connection)
     bus.pump(0.5)
+    started = time.time()
 
     walk = Walk(bus, reader)
     walk.page("Connection")
@@ -457,46 +499,34 @@ def drive(app, wire, reader):
         walk.page("Settings", sub)
     for sub in ("POTA", "SOTA", "NetLogger", "Nets", "MW"):
         walk.page("Spots", sub)
+    walk.page("Log")
 
-    # The dialogs, opened by keyboard: Ctrl+, and Alt+H, A.
-    bus.chord(KEY_CTRL, KEY_COMMA)
-    dialog = bus.wait_find("dialog", "Preferences", 20)
+    # The dialogs, opened from the keyboard: Ctrl+, and Alt+H, A.
+    bus.key("ctrl+comma")
+    dialog = bus.wait_window(("dialog",), "Preferences", 20)
+    if not dialog:
+        fail("Ctrl+, did not open the Preferences")
     give_focus(bus, app.pid, "Preferences", dialog)
-    bus.pump(0.5)
-    walk.round("Preferences")
-    bus.key(KEY_ESCAPE)
-    bus.pump(0.5)
-    give_focus(bus, app.pid, "Tolvane", connection)
-    bus.chord(KEY_ALT, KEY_H)
     bus.pump(0.3)
-    bus.key(KEY_A)
-    about = None
-    end = time.time() + 5
-    while time.time() < end and not about:
-        about = bus.find("dialog", "About Tolvane") or bus.find("alert", "About Tolvane")
-        bus.pump(0.2)
+    walk.round("Preferences")
+    bus.key("Escape")
+    about = open_about(bus, app, reader, connection)
     if not about:
-        # The menu through its accessible action (menus want a window manager's focus).
-        print("NOTE: Alt+H, A did not open About; opened through the menu item's action")
-        # The dialog runs modally inside the action, so the action's reply is not awaited.
-        bus.node(bus.wait_find("menu item", "About Tolvane")).DoAction(
-            0, dbus_interface="org.a11y.atspi.Action", ignore_reply=True)
-        end = time.time() + 20
-        while time.time() < end and not about:
-            about = bus.find("dialog", "About Tolvane") or bus.find("alert", "About Tolvane")
-            bus.pump(0.2)
-        if not about:
-            fail("the About box is not on the bus")
+        fail("the About box is not on the bus")
     give_focus(bus, app.pid, "About Tolvane", about)
-    bus.pump(0.5)
-    walk.round("About")
-    bus.key(KEY_ESCAPE)
-    bus.pump(0.5)
+    bus.pump(0.3)
+    walk.round("About", about)
+    bus.key("Escape")
+    end = time.time() + 5
+    while time.time() < end and bus.wait_window(("alert message", "alert", "dialog"), "About Tolvane", 0):
+        bus.pump(0.1)
+    if bus.wait_window(("alert message", "alert", "dialog"), "About Tolvane", 0):
+        walk.faults.append("About: Escape did not close the box")
     give_focus(bus, app.pid, "Tolvane", connection)
 
     faults = walk.faults
-    check_actions(bus, wire, faults)
-    check_pota_return(bus, wire, faults)
+    check_actions(bus, run, faults)
+    check_pota_return(bus, run, faults)
 
     stops = walk.stops
     good = [r for r, (_, problems, _) in stops.items() if not problems]
@@ -505,6 +535,7 @@ def drive(app, wire, reader):
     good_controls = [r for r in interactive if not stops[r][1]]
     print("%d of %d controls named, labelled and actionable" % (len(good_controls), len(interactive)))
     print("%d of %d focus stops announced with name, role, value and state" % (len(good), len(stops)))
+    print("Walk: %d pages and dialogs in %.0f s" % (len(set(p for p, _, _ in stops.values())), time.time() - started))
     print(reader.summary())
     for f in faults:
         print("FAULT: " + f)

@@ -13,15 +13,8 @@ python3-gi is missing (skipped).
 
 Usage: dbus-run-session -- notification_click_tunes.py path/to/tolvane path/to/tolvane-sim
 """
-import datetime
-import http.server
-import json
 import os
-import shutil
-import subprocess
 import sys
-import tempfile
-import threading
 import time
 
 try:
@@ -33,23 +26,11 @@ except ImportError:
     print("SKIPPED: no python3-dbus or python3-gi")
     sys.exit(77)
 
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from desktop_session import Session, spot_server  # noqa: E402
+
 EXE, SIM = sys.argv[1], sys.argv[2]
 IFACE = "org.freedesktop.Notifications"
-
-
-class Spots(http.server.BaseHTTPRequestHandler):
-    def do_GET(self):
-        now = datetime.datetime.now(datetime.timezone.utc).strftime("%Y-%m-%dT%H:%M:%S")
-        spot = {"activator": "K7CAR/P", "frequency": "14062", "mode": "CW", "comments": "", "name": "Mount Park",
-                "spotTime": now, "locationDesc": "US-WA", "reference": "US-3844"}
-        body = json.dumps([spot] if self.path == "/spot/activator" else []).encode()
-        self.send_response(200)
-        self.send_header("Content-Length", str(len(body)))
-        self.end_headers()
-        self.wfile.write(body)
-
-    def log_message(self, *args):
-        pass
 
 
 class Notifications(dbus.service.Object):
@@ -99,22 +80,14 @@ def main():
         print("FAILED: " + what)
         sys.exit(1)
 
-    work = tempfile.mkdtemp(prefix="tolvane-notify-")
-    os.makedirs(os.path.join(work, "Tolvane"))
-    with open(os.path.join(work, "Tolvane", "Tolvane.conf"), "w") as conf:
-        conf.write("[General]\nwatchList=K7CAR*\n")
-    server = http.server.HTTPServer(("127.0.0.1", 0), Spots)
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    wire = os.path.join(work, "wire.log")
-    sim = subprocess.Popen([SIM, "--boot", "0", "--log", wire], stdout=subprocess.PIPE)
-    pty = sim.stdout.readline().decode().strip()
-    env = dict(os.environ, QT_QPA_PLATFORM="offscreen", XDG_CONFIG_HOME=work, XDG_DATA_HOME=work)
-    pota = "pota=http://127.0.0.1:%d" % server.server_port
-    app = subprocess.Popen([EXE, "--port", pty, "--connect", "--rigctld-port", "0", "--flrig-port", "0",
-                            "--service", pota, "--service", "sota=", "--service", "netlogger=",
-                            "--service", "nets=", "--service", "mw=", "--service", "hamqsl="], env=env,
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    try:
+    with Session("tolvane-notify-") as run:
+        os.makedirs(os.path.join(run.work, "Tolvane"))
+        with open(os.path.join(run.work, "Tolvane", "Tolvane.conf"), "w") as conf:
+            conf.write("[General]\nwatchList=K7CAR*\n")
+        server = spot_server(("K7CAR/P", "14062", "CW", "Mount Park", "US-3844"))
+        pty = run.simulator(SIM)
+        run.program(EXE, pty, server.server_port, platform="offscreen")
+
         def watched():
             for nid, summary, body, actions in service.shown:
                 if summary == "Watched station spotted":
@@ -129,24 +102,14 @@ def main():
             print("FAILED: the notification offers no default action: %r" % actions)
             return 1
         # The radio has answered the on-open reads before the click is judged.
-        wait("the radio link is up", lambda: "FA;" in open(wire).read() if os.path.exists(wire) else False)
-        before = len(open(wire).readlines())
+        wait("the radio link is up", lambda: "FA;" in run.sent_since(0))
+        before = run.lines()
         service.ActionInvoked(dbus.UInt32(nid), "default")
-
-        def tuned():
-            sent = "".join(line.split()[1] for line in open(wire).readlines()[before:] if len(line.split()) > 1)
-            # On the side the radio reports in use: VFO A or B.
-            return "FA014062000;" in sent or "FB014062000;" in sent
-
-        wait("the click tunes the radio to 14062 kHz", tuned, 20)
+        # On the side the radio reports in use: VFO A or B.
+        wait("the click tunes the radio to 14062 kHz",
+             lambda: any(t in run.sent_since(before) for t in ("FA014062000;", "FB014062000;")), 20)
         print("OK: the clicked notification tuned the radio")
         return 0
-    finally:
-        app.terminate()
-        app.wait()
-        sim.terminate()
-        sim.wait()
-        shutil.rmtree(work, ignore_errors=True)
 
 
 if __name__ == "__main__":

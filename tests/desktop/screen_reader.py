@@ -95,18 +95,20 @@ class ScreenReader:
     def mark(self):
         return len(self.utterances())
 
-    def heard_since(self, mark, timeout=0.8):
-        """What was spoken since the mark, waiting a little for speech to come."""
+    def heard_since(self, mark, expect="", timeout=5.0):
+        """What was spoken since the mark. Waits for the announcement that
+        holds the expected words (Orca may lag behind the focus under load),
+        returning as soon as it is heard; at the deadline, whatever came."""
         if not self.running:
             return []
+        words = expect.lower().rstrip(":")
         end = time.time() + timeout
         while time.time() < end:
             said = self.utterances()[mark:]
-            if said:
-                time.sleep(0.15)  # the rest of the same announcement
-                return self.utterances()[mark:]
-            time.sleep(0.05)
-        return []
+            if said and (not words or any(words in s.lower() for s in said)):
+                return said
+            time.sleep(0.03)
+        return self.utterances()[mark:]
 
     def summary(self):
         if not self.running:
