@@ -14,6 +14,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+#include <algorithm>
 #include <vector>
 
 #include "desktop/window/MainWindow.h"
@@ -204,6 +205,43 @@ TEST_F(AccessibilityTest, TabReachesEveryTableAndStopsOnlyOnNamedControls) {
   EXPECT_NE(std::find(menu.begin(), menu.end(), w("readMenuGroup2Button")), menu.end());
   EXPECT_NE(std::find(menu.begin(), menu.end(), w("menu2020101PopUp")), menu.end());
   for (QWidget* s : menu) EXPECT_FALSE(qobject_cast<QScrollArea*>(s)) << "a pane takes the focus in the menu";
+}
+
+// The memories table is one Tab stop; a row's Mode pop-up opens from the
+// keyboard on that row (Alt+Down from any cell) and its choice shows in the row.
+TEST_F(AccessibilityTest, TheMemoriesTableIsOneTabStopAndItsModeOpensOnTheRow) {
+  window.show();
+  QApplication::setActiveWindow(&window);
+  auto* main = w<QTabWidget>("mainTab");
+  main->setCurrentIndex(2);
+  auto* table = w<QTableView>("memoriesTable");
+  const auto stops = tabStops(main->tabBar());
+  const auto inTable =
+      std::count_if(stops.begin(), stops.end(), [table](QWidget* s) { return s == table || table->isAncestorOf(s); });
+  EXPECT_EQ(inTable, 1);
+
+  int mode = -1;
+  for (int c = 0; c < table->model()->columnCount(); ++c)
+    if (table->model()->headerData(c, Qt::Horizontal).toString() == QStringLiteral("Mode")) mode = c;
+  ASSERT_GE(mode, 0);
+  table->setFocus(Qt::TabFocusReason);
+  // On the Mode column the keyboard stays in the table and Down moves a row.
+  table->setCurrentIndex(table->model()->index(2, mode));
+  EXPECT_EQ(QApplication::focusWidget(), table);
+  QTest::keyClick(table, Qt::Key_Down);
+  EXPECT_EQ(QApplication::focusWidget(), table);
+  EXPECT_EQ(table->currentIndex().row(), 3);
+  auto* cell = qobject_cast<QComboBox*>(table->indexWidget(table->model()->index(2, mode)));
+  ASSERT_NE(cell, nullptr);
+  // On another column of the row, Alt+Down opens the same pop-up.
+  table->setCurrentIndex(table->model()->index(2, 0));
+  QTest::keyClick(table, Qt::Key_Down, Qt::AltModifier);
+  EXPECT_TRUE(cell->view()->isVisible());
+  cell->view()->setCurrentIndex(cell->model()->index(cell->findText(QStringLiteral("CW-U")), 0));
+  QTest::keyClick(cell->view(), Qt::Key_Return);
+  EXPECT_FALSE(cell->view()->isVisible());
+  EXPECT_EQ(table->model()->index(2, mode).data().toString(), "CW-U");
+  EXPECT_EQ(cell->currentText(), "CW-U");
 }
 
 }  // namespace

@@ -396,7 +396,28 @@ TableView::TableView(ui::Control& table, QWidget* parent)
   refresh();
 }
 
+// F2 or Alt+Down on a row opens the row's pop-up: the one of the current
+// cell, else the first in the row. The pop-ups never take the focus from
+// the table, so the table stays one Tab stop and the arrows walk its rows.
+bool TableView::openRowPopUp(const QKeyEvent& event) {
+  const Qt::KeyboardModifiers mods = event.modifiers() & ~Qt::KeypadModifier;
+  const bool opens =
+      (event.key() == Qt::Key_F2 && mods == Qt::NoModifier) || (event.key() == Qt::Key_Down && mods == Qt::AltModifier);
+  const QModelIndex at = currentIndex();
+  if (!opens || !at.isValid()) return false;
+  auto* box = qobject_cast<QComboBox*>(indexWidget(at));
+  for (int col = 0; !box && col < model_.columnCount(); ++col)
+    box = qobject_cast<QComboBox*>(indexWidget(model_.index(at.row(), col)));
+  if (!box || !box->isEnabled()) return false;
+  box->showPopup();
+  return true;
+}
+
 void TableView::keyPressEvent(QKeyEvent* event) {
+  if (state() != EditingState && openRowPopUp(*event)) {
+    event->accept();
+    return;
+  }
   if (state() != EditingState) {
     const std::string key = keyName(*event);
     const QModelIndexList rows = selectionModel()->selectedRows();
@@ -500,6 +521,7 @@ void TableView::placeCellControls() {
         for (const auto& e : c->entries) box->addItem(q(e.title));
         box->setCurrentIndex(c->selected);
         box->setEnabled(!model_.control().held());
+        box->setFocusPolicy(Qt::NoFocus);
         connect(box, &QComboBox::activated, this, [this, r, col](int i) { model_.choose(r, col, i); });
         setIndexWidget(model_.index(r, col), box);
       }

@@ -92,10 +92,12 @@ class TableView : public QTableView {
   void showSortIndicator();
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  bool openRowPopUp(const QKeyEvent& event);
   void mouseReleaseEvent(QMouseEvent* event) override;
   // A row's context menu ("Watch this station"), from the mouse or the Menu key.
   void contextMenuEvent(QContextMenuEvent* event) override;
-  // Pop-up cells get a live combo box of their own.
+  // Pop-up cells get a live combo box of their own, opened by the mouse or
+  // from the table by F2 / Alt+Down on the row.
   void placeCellControls();
 
   TableModel model_;
