@@ -10,6 +10,7 @@ import http.server
 import json
 import os
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -95,10 +96,26 @@ class Session:
             skip("Xvfb did not start")
         self.display = ":" + number
         os.environ["DISPLAY"] = self.display
+        # The accessibility registry opens the display once, when it starts:
+        # the server must take connections by then.
+        end = time.time() + 20
+        while time.time() < end and not self._x_answers(number):
+            time.sleep(0.1)
         import dbus
         dbus.SessionBus().get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").UpdateActivationEnvironment(
             {"DISPLAY": self.display}, dbus_interface="org.freedesktop.DBus")
         return self.display
+
+    @staticmethod
+    def _x_answers(number):
+        probe = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+        try:
+            probe.connect("/tmp/.X11-unix/X" + number)
+            return True
+        except OSError:
+            return False
+        finally:
+            probe.close()
 
     def simulator(self, sim):
         """tolvane-sim on a pseudo-terminal, logging the wire; returns the
