@@ -81,26 +81,36 @@ class Session:
 
     def x_server(self, size="1440x1024x24"):
         """An Xvfb of its own on a free display; the session bus's activated
-        services (the accessibility bus and registry) are told to use it."""
-        read_end, write_end = os.pipe()
-        try:
-            xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", size],
-                                    pass_fds=(write_end,), stderr=subprocess.DEVNULL)
-        except FileNotFoundError:
-            skip("no Xvfb")
-        os.close(write_end)
-        self._processes.append(xvfb)
-        number = os.read(read_end, 16).decode().strip()
-        os.close(read_end)
-        if not number:
+        services (the accessibility bus and registry) are told to use it.
+        Another run starting an X server at the same moment can take the
+        display this one picked; then this one ends and is started again."""
+        for attempt in range(5):
+            read_end, write_end = os.pipe()
+            try:
+                xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", size],
+                                        pass_fds=(write_end,),
+                                        stderr=open(os.path.join(self.work, "xvfb.err"), "a"))
+            except FileNotFoundError:
+                skip("no Xvfb")
+            os.close(write_end)
+            number = os.read(read_end, 16).decode().strip()
+            os.close(read_end)
+            # The accessibility registry opens the display once, when it
+            # starts: the server must take connections by then.
+            end = time.time() + 10
+            while number and xvfb.poll() is None and time.time() < end and not self._x_answers(number):
+                time.sleep(0.1)
+            if number and xvfb.poll() is None and self._x_answers(number):
+                break
+            print("NOTE: Xvfb on :%s did not stay up; starting another" % number)
+            if xvfb.poll() is None:
+                xvfb.kill()
+            xvfb.wait()
+        else:
             skip("Xvfb did not start")
+        self._processes.append(xvfb)
         self.display = ":" + number
         os.environ["DISPLAY"] = self.display
-        # The accessibility registry opens the display once, when it starts:
-        # the server must take connections by then.
-        end = time.time() + 20
-        while time.time() < end and not self._x_answers(number):
-            time.sleep(0.1)
         import dbus
         dbus.SessionBus().get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").UpdateActivationEnvironment(
             {"DISPLAY": self.display}, dbus_interface="org.freedesktop.DBus")
