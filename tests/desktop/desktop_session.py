@@ -82,32 +82,32 @@ class Session:
     def x_server(self, size="1440x1024x24"):
         """An Xvfb of its own on a free display; the session bus's activated
         services (the accessibility bus and registry) are told to use it.
-        Another run starting an X server at the same moment can take the
-        display this one picked; then this one ends and is started again."""
-        for attempt in range(5):
-            read_end, write_end = os.pipe()
+
+        The display is chosen here, not by the server: a server of another
+        run in a private /tmp (its lock file unseen) still answers on the
+        abstract socket of its number, and a client would reach that one.
+        A number is taken only where nothing answers on either socket."""
+        start = 100 + os.getpid() % 800
+        for number in (str(n) for n in range(start, start + 40)):
+            if self._x_answers(number) or os.path.exists("/tmp/.X%s-lock" % number):
+                continue
             try:
-                xvfb = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", size],
-                                        pass_fds=(write_end,),
+                xvfb = subprocess.Popen(["Xvfb", ":" + number, "-nolisten", "tcp", "-screen", "0", size],
                                         stderr=open(os.path.join(self.work, "xvfb.err"), "a"))
             except FileNotFoundError:
                 skip("no Xvfb")
-            os.close(write_end)
-            number = os.read(read_end, 16).decode().strip()
-            os.close(read_end)
             # The accessibility registry opens the display once, when it
             # starts: the server must take connections by then.
             end = time.time() + 10
-            while number and xvfb.poll() is None and time.time() < end and not self._x_answers(number):
-                time.sleep(0.1)
-            if number and xvfb.poll() is None and self._x_answers(number):
+            while xvfb.poll() is None and time.time() < end and not self._x_answers(number):
+                time.sleep(0.05)
+            if xvfb.poll() is None and self._x_answers(number):
                 break
-            print("NOTE: Xvfb on :%s did not stay up; starting another" % number)
             if xvfb.poll() is None:
                 xvfb.kill()
             xvfb.wait()
         else:
-            skip("Xvfb did not start")
+            skip("Xvfb did not start (see %s)" % os.path.join(self.work, "xvfb.err"))
         self._processes.append(xvfb)
         self.display = ":" + number
         os.environ["DISPLAY"] = self.display
@@ -118,14 +118,18 @@ class Session:
 
     @staticmethod
     def _x_answers(number):
-        probe = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-        try:
-            probe.connect("/tmp/.X11-unix/X" + number)
-            return True
-        except OSError:
-            return False
-        finally:
-            probe.close()
+        """Whether an X server takes connections on the display, through its
+        abstract socket or its socket file."""
+        for address in ("\0/tmp/.X11-unix/X" + number, "/tmp/.X11-unix/X" + number):
+            probe = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+            try:
+                probe.connect(address)
+                return True
+            except OSError:
+                pass
+            finally:
+                probe.close()
+        return False
 
     def simulator(self, sim):
         """tolvane-sim on a pseudo-terminal, logging the wire; returns the
