@@ -56,6 +56,9 @@ TEST_F(AccessibilityTest, AnAccessibleActionDoesWhatAClickDoes) {
   actions->doAction(QAccessibleActionInterface::toggleAction());
   EXPECT_EQ(rig.written().substr(0, 5), "BS03;");
   EXPECT_EQ(band->isChecked(), rig.at("m40Button").bezel() != ui::Bezel::None);
+  // Read as a check box, so a screen reader says its state with its name.
+  EXPECT_EQ(ax(band)->role(), QAccessible::CheckBox);
+  EXPECT_EQ(ax(band)->state().checked, band->isChecked());
 
   // A toggle the radio has not lit stays unchecked after "Toggle".
   rig.port->clearWrites();

@@ -212,6 +212,10 @@ void presentAccessibly(const ui::Control& c, QWidget* w) {
         w->setAccessibleDescription(name);
         return;
       }
+      // A lit-or-dark button (band, mode, receiver) keeps the toolkit's
+      // check-box role: the toolkit has no toggle-button role to give, and
+      // screen readers say a push button's name without its state, while a
+      // check box is said with "checked" or "not checked".
       break;
     default:
       break;
