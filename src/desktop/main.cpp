@@ -136,6 +136,19 @@ int main(int argc, char** argv) {
   platform::Services services{ports, scheduler, settings, media, media, notifications, http, browser, alerts, log};
   step("services");
 
+  // Rig sharing: both servers start with the program, on the preferences'
+  // address and ports unless the command line says otherwise for this run.
+  desktop::ShareConfig shareConfig = desktop::ShareConfig::load(settings);
+  if (options.rigctldPort >= 0) {
+    shareConfig.rigctldOn = options.rigctldPort > 0;
+    if (options.rigctldPort > 0) shareConfig.rigctldPort = options.rigctldPort;
+  }
+  if (options.flrigPort >= 0) {
+    shareConfig.flrigOn = options.flrigPort > 0;
+    if (options.flrigPort > 0) shareConfig.flrigPort = options.flrigPort;
+  }
+  if (!options.shareAddress.isEmpty()) shareConfig.address = options.shareAddress;
+
   ui::Window model;
   buildWindow(model);
   SerialPortDemoController controller(services, model);
@@ -145,14 +158,16 @@ int main(int argc, char** argv) {
   // list is still being read; the widgets are made from the model after it.
   // The addresses first: the start-up fetches read them.
   for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
+  // TLS is loaded on a worker thread when a list is fetched over https, and
+  // for the XML-RPC server, whose HTTP server object reads the TLS defaults
+  // when it is made.
+  bool tlsWanted = shareConfig.flrigOn;
   for (const spots::Service& s : spots::kServices) {
     // The park and map pages open in the browser; only the lists are fetched.
     if (const std::string_view name = s.name; name == "pota-web" || name == "map") continue;
-    if (controller.serviceAddress(s.name).starts_with("https:")) {
-      http.loadTlsInBackground();
-      break;
-    }
+    tlsWanted = tlsWanted || controller.serviceAddress(s.name).starts_with("https:");
   }
+  if (tlsWanted) http.loadTlsInBackground();
   controller.awakeFromNib();
   if (!options.port.isEmpty()) {
     bool found = false;
@@ -211,8 +226,6 @@ int main(int argc, char** argv) {
 
   controller.applicationDidFinishLaunching();
 
-  // Rig sharing: both servers start with the program, on the preferences'
-  // address and ports unless the command line says otherwise for this run.
   share::ControllerRig sharedRig(controller);
   desktop::RigctlServer rigctld(sharedRig, share::RigctlOptions{"Tolvane " TOLVANE_VERSION}, log);
   desktop::FlrigServer flrig(sharedRig, share::FlrigOptions{}, log);
@@ -221,20 +234,9 @@ int main(int argc, char** argv) {
     rigctld.radioAnswered();
     flrig.radioAnswered();
   };
-  desktop::ShareConfig shareConfig = desktop::ShareConfig::load(settings);
-  if (options.rigctldPort >= 0) {
-    shareConfig.rigctldOn = options.rigctldPort > 0;
-    if (options.rigctldPort > 0) shareConfig.rigctldPort = options.rigctldPort;
-  }
-  if (options.flrigPort >= 0) {
-    shareConfig.flrigOn = options.flrigPort > 0;
-    if (options.flrigPort > 0) shareConfig.flrigPort = options.flrigPort;
-  }
-  if (!options.shareAddress.isEmpty()) shareConfig.address = options.shareAddress;
   window.addConnectionSection(new desktop::SharingPanel({&rigctld, &flrig}));
   // The hunter's log: its file and page are opened when first needed.
   desktop::LogDesk logDesk(window, binder, controller, files, alerts);
-  desktop::applyShareConfig(shareConfig, rigctld, flrig);
 
   // The nets user key comes from the keyring; the controller holds it for
   // the confirmations and never writes it anywhere.
@@ -274,5 +276,12 @@ int main(int argc, char** argv) {
   if (controller.tlSounds == "1" || controller.tlVoiceGuide == "1")
     QObject::connect(&window, &desktop::MainWindow::firstPainted, &media, &desktop::MediaLoader::load);
   QTimer::singleShot(1000, &window, connectOnce);
+  // The sharing servers listen from the turn after that: making the XML-RPC
+  // server waits for TLS, and their clients' first requests need no frame.
+  auto shareOnce = [&shareConfig, &rigctld, &flrig, done = std::make_shared<bool>(false)] {
+    if (!std::exchange(*done, true)) desktop::applyShareConfig(shareConfig, rigctld, flrig);
+  };
+  QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, shareOnce, Qt::QueuedConnection);
+  QTimer::singleShot(1000, &window, shareOnce);
   return app->exec();
 }
