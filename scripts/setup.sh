@@ -10,7 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libsndfile1-dev libudev-dev libfontconfig-dev
   xvfb xauth fonts-dejavu-core clang-format clang libclang-rt-14-dev
   desktop-file-utils appstream
-  libhamlib-utils qt6-httpserver-dev qt6-websockets-dev qtkeychain-qt6-dev
+  libhamlib-utils qtkeychain-qt6-dev
   dbus-daemon dbus-bin at-spi2-core python3-dbus python3-gi
   orca speech-dispatcher xdotool
 )

@@ -158,10 +158,8 @@ int main(int argc, char** argv) {
   // list is still being read; the widgets are made from the model after it.
   // The addresses first: the start-up fetches read them.
   for (const auto& [name, url] : options.services) controller.overrideServiceAddress(name, url);
-  // TLS is loaded on a worker thread when a list is fetched over https, and
-  // for the XML-RPC server, whose HTTP server object reads the TLS defaults
-  // when it is made.
-  bool tlsWanted = shareConfig.flrigOn;
+  // TLS is loaded on a worker thread when a list is fetched over https.
+  bool tlsWanted = false;
   for (const spots::Service& s : spots::kServices) {
     // The park and map pages open in the browser; only the lists are fetched.
     if (const std::string_view name = s.name; name == "pota-web" || name == "map") continue;
@@ -276,8 +274,8 @@ int main(int argc, char** argv) {
   if (controller.tlSounds == "1" || controller.tlVoiceGuide == "1")
     QObject::connect(&window, &desktop::MainWindow::firstPainted, &media, &desktop::MediaLoader::load);
   QTimer::singleShot(1000, &window, connectOnce);
-  // The sharing servers listen from the turn after that: making the XML-RPC
-  // server waits for TLS, and their clients' first requests need no frame.
+  // The sharing servers listen from the turn after that: their clients'
+  // first requests need no frame.
   auto shareOnce = [&shareConfig, &rigctld, &flrig, done = std::make_shared<bool>(false)] {
     if (!std::exchange(*done, true)) desktop::applyShareConfig(shareConfig, rigctld, flrig);
   };

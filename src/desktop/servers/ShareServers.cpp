@@ -1,14 +1,14 @@
 #include "desktop/servers/ShareServers.h"
 
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
 #include <QNetworkInterface>
 #include <QPointer>
 #include <QRegularExpression>
 #include <QTcpSocket>
-#include <list>
+#include <optional>
+#include <string_view>
 
 #include "desktop/servers/XmlRpcReader.h"
+#include "share/HttpRequests.h"
 
 namespace tolvane::desktop {
 
@@ -220,40 +220,6 @@ void RigctlServer::radioAnswered() {
 
 // ------------------------------------------------------------------ XML-RPC over HTTP
 
-// Takes every socket first, so a client whose request grows past the largest
-// body is dropped before the HTTP server has buffered all of it.
-class FlrigServer::Listener : public QTcpServer {
- public:
-  explicit Listener(FlrigServer& owner) : owner_(owner) {}
-
- protected:
-  void incomingConnection(qintptr descriptor) override {
-    auto* socket = new QTcpSocket(this);
-    if (!socket->setSocketDescriptor(descriptor)) {
-      delete socket;
-      return;
-    }
-    if (owner_.clients().size() >= kMaxClients || !owner_.allowed(socket->peerAddress())) {
-      socket->abort();
-      socket->deleteLater();
-      return;
-    }
-    owner_.clientConnected(socket);
-    auto received = std::make_shared<qint64>(0);
-    connect(socket, &QTcpSocket::readyRead, socket, [this, socket, received] {
-      *received += socket->bytesAvailable();
-      if (*received > kMaxBody + 64 * 1024) owner_.dropClient(socket, QStringLiteral("its request is over 1 MiB"));
-    });
-    // An answer ends the request; the next one counts from zero.
-    connect(socket, &QTcpSocket::bytesWritten, socket, [received] { *received = 0; });
-    connect(socket, &QTcpSocket::disconnected, &owner_, [this, socket] { owner_.clientGone(socket); });
-    addPendingConnection(socket);
-  }
-
- private:
-  FlrigServer& owner_;
-};
-
 namespace {
 
 // The Host header of a request for this server: the listening address,
@@ -280,93 +246,145 @@ bool hostAllowed(const QByteArray& header, const QHostAddress& listening) {
 // Why a request is refused before it is read: a web page's request carries
 // an Origin, or a content type other than XML; a rebinding name a foreign
 // Host. Empty when the request may go on.
-QByteArray refusal(const QHttpServerRequest& request, const QHostAddress& listening) {
-  if (!request.value("Origin").isEmpty()) return "Requests from web pages are refused\n";
-  const QByteArray type = request.value("Content-Type").trimmed().toLower();
+QByteArray refusal(const share::HttpRequest& request, const QHostAddress& listening) {
+  if (!request.header("Origin").empty()) return "Requests from web pages are refused\n";
+  const QByteArray type = QByteArray::fromStdString(request.header("Content-Type")).trimmed().toLower();
   if (type != "text/xml" && !type.startsWith("text/xml;")) return "XML-RPC takes Content-Type text/xml\n";
-  if (!hostAllowed(request.value("Host"), listening)) return "Unknown Host\n";
+  if (!hostAllowed(QByteArray::fromStdString(request.header("Host")), listening)) return "Unknown Host\n";
   return {};
 }
 
 }  // namespace
 
-class FlrigServer::Http : public QAbstractHttpServer {
+// The XML-RPC server's sockets: requests are read as they arrive, one after
+// another on a connection, and answered in the order they came.
+class FlrigServer::Http : public QTcpServer {
  public:
-  explicit Http(FlrigServer& owner) : owner_(owner), listener_(new Listener(owner)) { listener_->setParent(this); }
-  Listener* listener() { return listener_; }
+  explicit Http(FlrigServer& owner) : owner_(owner) {}
 
   // Answers the calls that waited for the radio, now that it answered or
   // their time has passed; true while some still wait.
   bool resume() {
-    for (auto it = waiting_.begin(); it != waiting_.end();) {
-      if (!it->socket) {
-        it = waiting_.erase(it);
-        continue;
-      }
-      if (const auto answer = share::flrigAnswer(owner_.rig_, it->call, owner_.options_, it->wait)) {
-        it->responder->write(QByteArray::fromStdString(*answer), QByteArray("text/xml"));
-        it = waiting_.erase(it);
-      } else {
-        ++it;
-      }
+    std::vector<QTcpSocket*> sockets;
+    for (auto& [socket, c] : connections_)
+      if (c.waiting) sockets.push_back(socket);
+    for (QTcpSocket* socket : sockets) {
+      const auto it = connections_.find(socket);
+      if (it == connections_.end() || !it->second.waiting) continue;
+      Connection& c = it->second;
+      const auto answer = share::flrigAnswer(owner_.rig_, c.waiting->call, owner_.options_, c.waiting->wait);
+      if (!answer) continue;
+      const bool close = c.waiting->close;
+      c.waiting.reset();
+      reply(socket, 200, "text/xml", *answer, close);
+      if (!close) serve(socket);
     }
-    return !waiting_.empty();
+    for (const auto& [socket, c] : connections_)
+      if (c.waiting) return true;
+    return false;
   }
 
  protected:
-  bool handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) override {
-    owner_.clientHeard(socket);
-    QHttpServerResponder responder = makeResponder(request, socket);
-    const QByteArray xml("text/xml");
-    if (request.method() != QHttpServerRequest::Method::Post) {
-      responder.write(QByteArray("XML-RPC takes POST requests\n"), QByteArray("text/plain"),
-                      QHttpServerResponder::StatusCode::MethodNotAllowed);
-      return true;
+  void incomingConnection(qintptr descriptor) override {
+    auto* socket = new QTcpSocket(this);
+    if (!socket->setSocketDescriptor(descriptor)) {
+      delete socket;
+      return;
     }
-    const QByteArray why = refusal(request, listener_->serverAddress());
-    if (!why.isEmpty()) {
-      owner_.log_.line(("Rig sharing: flrig XML-RPC request refused: " + why.trimmed()).toStdString());
-      responder.write(why, QByteArray("text/plain"), QHttpServerResponder::StatusCode::Forbidden);
-      socket->disconnectFromHost();
-      return true;
+    if (owner_.clients().size() >= kMaxClients || !owner_.allowed(socket->peerAddress())) {
+      socket->abort();
+      socket->deleteLater();
+      return;
     }
-    const QByteArray body = request.body();
-    if (body.size() > kMaxBody) {
-      responder.write(QByteArray("Request body over 1 MiB\n"), QByteArray("text/plain"),
-                      QHttpServerResponder::StatusCode::PayloadTooLarge);
-      socket->disconnectFromHost();
-      return true;
-    }
-    QString error;
-    const auto call = readXmlRpcCall(body, &error);
-    if (!call) {
-      responder.write(QByteArray::fromStdString(
-                          share::xmlRpcFault(-32700, "not a well-formed method call: " + error.toStdString())),
-                      xml);
-      return true;
-    }
-    share::FlrigWait wait;
-    if (const auto answer = share::flrigAnswer(owner_.rig_, *call, owner_.options_, wait)) {
-      responder.write(QByteArray::fromStdString(*answer), xml);
-      return true;
-    }
-    // The call waits for the radio's answer, at most a second.
-    waiting_.push_back(Waiting{*call, wait, std::make_unique<QHttpServerResponder>(std::move(responder)), socket});
-    if (!owner_.waitTimer_.isActive()) owner_.waitTimer_.start();
-    return true;
+    owner_.clientConnected(socket);
+    connections_.emplace(socket, Connection{share::HttpRequestReader(static_cast<std::size_t>(kMaxBody)), {}});
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+      const auto it = connections_.find(socket);
+      if (it == connections_.end()) return;
+      it->second.reader.feed(socket->readAll().toStdString());
+      serve(socket);
+    });
+    connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
+      connections_.erase(socket);
+      owner_.clientGone(socket);
+      socket->deleteLater();
+    });
   }
-  void missingHandler(const QHttpServerRequest&, QTcpSocket*) override {}
 
  private:
   struct Waiting {
     share::XmlRpcCall call;
     share::FlrigWait wait;
-    std::unique_ptr<QHttpServerResponder> responder;
-    QPointer<QTcpSocket> socket;
+    bool close = false;
   };
+  struct Connection {
+    share::HttpRequestReader reader;
+    std::optional<Waiting> waiting;  // a call waiting for the radio holds the ones after it
+  };
+
+  void reply(QTcpSocket* socket, int status, std::string_view type, std::string_view body, bool close) {
+    socket->write(QByteArray::fromStdString(share::httpAnswer(status, type, body, close)));
+    if (close) socket->disconnectFromHost();
+  }
+
+  // Answers every whole request the connection has sent, in order.
+  void serve(QTcpSocket* socket) {
+    for (;;) {
+      const auto it = connections_.find(socket);
+      if (it == connections_.end() || it->second.waiting || socket->state() != QAbstractSocket::ConnectedState) return;
+      Connection& c = it->second;
+      share::HttpRequest request;
+      switch (c.reader.next(request)) {
+        case share::HttpRequestReader::Result::NeedMore:
+          return;
+        case share::HttpRequestReader::Result::Bad:
+          reply(socket, 400, "text/plain", "Not an HTTP request\n", true);
+          return;
+        case share::HttpRequestReader::Result::TooLarge:
+          socket->write(
+              QByteArray::fromStdString(share::httpAnswer(413, "text/plain", "Request body over 1 MiB\n", true)));
+          socket->flush();
+          owner_.dropClient(socket, QStringLiteral("its request is over 1 MiB"));
+          return;
+        case share::HttpRequestReader::Result::Request:
+          break;
+      }
+      owner_.clientHeard(socket);
+      handle(socket, c, request);
+    }
+  }
+
+  void handle(QTcpSocket* socket, Connection& c, const share::HttpRequest& request) {
+    const bool close = !request.keepAlive();
+    if (request.method != "POST") {
+      reply(socket, 405, "text/plain", "XML-RPC takes POST requests\n", close);
+      return;
+    }
+    const QByteArray why = refusal(request, serverAddress());
+    if (!why.isEmpty()) {
+      owner_.log_.line(("Rig sharing: flrig XML-RPC request refused: " + why.trimmed()).toStdString());
+      reply(socket, 403, "text/plain", why.toStdString(), true);
+      return;
+    }
+    QString error;
+    const auto call = readXmlRpcCall(QByteArray::fromStdString(request.body), &error);
+    if (!call) {
+      reply(socket, 200, "text/xml",
+            share::xmlRpcFault(-32700, "not a well-formed method call: " + error.toStdString()), close);
+      return;
+    }
+    share::FlrigWait wait;
+    if (const auto answer = share::flrigAnswer(owner_.rig_, *call, owner_.options_, wait)) {
+      reply(socket, 200, "text/xml", *answer, close);
+      return;
+    }
+    // The call waits for the radio's answer, at most a second.
+    c.waiting = Waiting{*call, wait, close};
+    if (!owner_.waitTimer_.isActive()) owner_.waitTimer_.start();
+  }
+
   FlrigServer& owner_;
-  Listener* listener_;
-  std::list<Waiting> waiting_;
+  std::map<QTcpSocket*, Connection> connections_;
 };
 
 FlrigServer::FlrigServer(share::SharedRig& rig, share::FlrigOptions options, platform::ConsoleLog& log, QObject* parent)
@@ -376,13 +394,12 @@ FlrigServer::~FlrigServer() = default;
 
 bool FlrigServer::listenOn(const QHostAddress& address, quint16 port, QString* error) {
   auto http = std::make_unique<Http>(*this);
-  if (!http->listener()->listen(address, port)) {
-    *error = http->listener()->serverError() == QAbstractSocket::AddressInUseError
+  if (!http->listen(address, port)) {
+    *error = http->serverError() == QAbstractSocket::AddressInUseError
                  ? QStringLiteral("is already in use by another program")
-                 : QStringLiteral("cannot be used: ") + http->listener()->errorString();
+                 : QStringLiteral("cannot be used: ") + http->errorString();
     return false;
   }
-  http->bind(http->listener());
   http_ = std::move(http);
   return true;
 }

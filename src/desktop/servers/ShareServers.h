@@ -3,7 +3,6 @@
 // state. They hold no rule of their own: every request goes to src/share/.
 #pragma once
 
-#include <QAbstractHttpServer>
 #include <QDateTime>
 #include <QHostAddress>
 #include <QObject>
@@ -116,7 +115,6 @@ class FlrigServer : public ShareServer {
 
  private:
   class Http;
-  class Listener;
   share::SharedRig& rig_;
   share::FlrigOptions options_;
   std::unique_ptr<Http> http_;
