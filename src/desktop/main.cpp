@@ -166,6 +166,8 @@ int main(int argc, char** argv) {
     tlsWanted = tlsWanted || controller.serviceAddress(s.name).starts_with("https:");
   }
   if (tlsWanted) http.loadTlsInBackground();
+  // Web answers are handled from the first frame on (released below).
+  http.holdAnswers();
   controller.awakeFromNib();
   if (!options.port.isEmpty()) {
     bool found = false;
@@ -281,5 +283,10 @@ int main(int argc, char** argv) {
   };
   QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, shareOnce, Qt::QueuedConnection);
   QTimer::singleShot(1000, &window, shareOnce);
+  auto answersOnce = [&http, done = std::make_shared<bool>(false)] {
+    if (!std::exchange(*done, true)) http.release();
+  };
+  QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, answersOnce, Qt::QueuedConnection);
+  QTimer::singleShot(1000, &window, answersOnce);
   return app->exec();
 }

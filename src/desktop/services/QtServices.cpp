@@ -209,17 +209,32 @@ void QtHttpClient::send(const platform::HttpRequest& request, std::function<void
                          : request.method == "POST"
                              ? nam_->post(req, body)
                              : nam_->sendCustomRequest(req, QByteArray::fromStdString(request.method), body);
-  connect(reply, &QNetworkReply::finished, this, [reply, done = std::move(done)] {
-    reply->deleteLater();
-    platform::HttpResponse r;
-    r.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    r.reason = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString();
-    r.body = reply->readAll().toStdString();
-    // An HTTP error status is still an answer; only a missing answer is not ok.
-    r.ok = reply->error() == QNetworkReply::NoError || r.status != 0;
-    if (reply->error() != QNetworkReply::NoError) r.error = reply->errorString().toStdString();
-    done(r);
+  connect(reply, &QNetworkReply::finished, this, [this, reply, done = std::move(done)] {
+    if (held_) {
+      waiting_.push_back([reply, done] { deliver(reply, done); });
+      return;
+    }
+    deliver(reply, done);
   });
+}
+
+void QtHttpClient::release() {
+  held_ = false;
+  auto waiting = std::move(waiting_);
+  waiting_.clear();
+  for (auto& answer : waiting) answer();
+}
+
+void QtHttpClient::deliver(QNetworkReply* reply, const std::function<void(const platform::HttpResponse&)>& done) {
+  reply->deleteLater();
+  platform::HttpResponse r;
+  r.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+  r.reason = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString();
+  r.body = reply->readAll().toStdString();
+  // An HTTP error status is still an answer; only a missing answer is not ok.
+  r.ok = reply->error() == QNetworkReply::NoError || r.status != 0;
+  if (reply->error() != QNetworkReply::NoError) r.error = reply->errorString().toStdString();
+  done(r);
 }
 
 // ---------------------------------------------------------------- browser, alerts, log

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <future>
 #include <map>
 #include <memory>
@@ -14,10 +15,12 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "platform/Platform.h"
 
 class QNetworkAccessManager;
+class QNetworkReply;
 class QWidget;
 class QSettings;
 
@@ -101,10 +104,21 @@ class QtHttpClient : public QObject, public platform::HttpClient {
   // This starts loading it on a worker thread; a request sent before that is
   // done waits for it inside Qt, as it would have anyway.
   void loadTlsInBackground();
+  // Answers that arrive while held wait (in the order they came) until
+  // release(): an answer handled before the window's first frame would hold
+  // that frame back by its decoding (500 POTA spots: tens of milliseconds).
+  // An answer is only ever handled some time after it was asked for, so a
+  // few milliseconds more change nothing the program does with it.
+  void holdAnswers() { held_ = true; }
+  void release();
 
  private:
   QNetworkAccessManager* nam_;
   std::future<void> tlsLoaded_;
+  static void deliver(QNetworkReply* reply, const std::function<void(const platform::HttpResponse&)>& done);
+
+  bool held_ = false;
+  std::vector<std::function<void()>> waiting_;
 };
 
 class QtBrowser : public platform::Browser {
