@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollArea>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
@@ -164,6 +165,15 @@ TEST_F(AccessibilityTest, NamesFollowWhatTheScreenShows) {
       {"writeMemoriesButton", "Write to radio"},
   };
   for (const auto& [outlet, words] : expected) EXPECT_EQ(name(w(outlet)), words) << outlet;
+
+  // The stack of pages in a set of tabs is called by the page it shows.
+  const auto stack = [](QTabWidget* tabs) {
+    return tabs->findChild<QStackedWidget*>(QString(), Qt::FindDirectChildrenOnly);
+  };
+  w<QTabWidget>("mainTab")->setCurrentIndex(1);
+  EXPECT_EQ(name(stack(w<QTabWidget>("mainTab"))), "Operate");
+  w<QTabWidget>("spotsTab")->setCurrentIndex(1);
+  EXPECT_EQ(name(stack(w<QTabWidget>("spotsTab"))), "SOTA");
 }
 
 // Tab from a page's tab bar round the page: every stop is named, and no

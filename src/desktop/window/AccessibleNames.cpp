@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QScrollArea>
+#include <QStackedWidget>
 #include <QTabBar>
 #include <QTabWidget>
 #include <cctype>
@@ -251,6 +252,25 @@ void quietPanes(QWidget* root) {
     if (qobject_cast<QAbstractItemView*>(pane) || pane->inherits("QPlainTextEdit") || pane->inherits("QTextEdit"))
       continue;
     pane->setFocusPolicy(Qt::NoFocus);
+  }
+  nameTabStacks(root);
+}
+
+void nameTabStacks(QWidget* root) {
+  // The stack of pages inside a set of tabs is a pane a screen reader names
+  // when the focus moves into a page: called by the page it shows
+  // ("Operate"), never a bare "layered pane".
+  QList<QTabWidget*> sets = root->findChildren<QTabWidget*>();
+  if (auto* self = qobject_cast<QTabWidget*>(root)) sets.append(self);
+  for (QTabWidget* tabs : sets) {
+    auto* stack = tabs->findChild<QStackedWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    if (!stack || stack->property("namedByPage").toBool()) continue;
+    stack->setProperty("namedByPage", true);
+    const auto follow = [tabs, stack] {
+      stack->setAccessibleName(tabs->tabText(tabs->currentIndex()).remove(QLatin1Char('&')));
+    };
+    QObject::connect(tabs, &QTabWidget::currentChanged, stack, follow);
+    follow();
   }
 }
 

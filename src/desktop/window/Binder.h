@@ -37,8 +37,12 @@ QLabel* labelFor(QWidget* field, const QString& text);
 // A display read with a caption ("Solar flux: 150"): its accessible name is
 // the caption and its current text.
 void setCaption(QLabel* display, const QString& caption);
-// Takes the scrolling panes under root out of the focus chain.
+// Takes the scrolling panes under root out of the focus chain, and names the
+// page stacks of the tab sets under it.
 void quietPanes(QWidget* root);
+// Names the page stack of each set of tabs under (or at) root by the page it
+// shows, as that changes.
+void nameTabStacks(QWidget* root);
 // Makes every field announce its focus before its caret, and every pop-up its
 // label and current entry (installed once).
 void announceFocusFirst();

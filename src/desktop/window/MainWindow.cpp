@@ -90,6 +90,7 @@ MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), b
     page->installEventFilter(watcher);
     waiting_.push_back(watcher);
   }
+  nameTabStacks(tabs);
   binder_.repaintAll();
 }
 

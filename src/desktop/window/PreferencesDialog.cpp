@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "desktop/services/NetsKey.h"
+#include "desktop/window/Binder.h"
 #include "spots/WebLists.h"
 
 namespace tolvane::desktop {
@@ -48,6 +49,7 @@ PreferencesDialog::PreferencesDialog(platform::SettingsStore& settings, NetsKey&
   setMinimumWidth(560);
   auto* layout = new QVBoxLayout(this);
   pages_ = new QTabWidget;
+  nameTabStacks(pages_);
   layout->addWidget(pages_);
   problemLabel_ = note(QString());
   problemLabel_->setObjectName(QStringLiteral("preferencesProblem"));
