@@ -4,22 +4,24 @@ screen-reader user makes it.
 
 Run inside its own D-Bus session (dbus-run-session): starts Xvfb, a local POTA
 service with one spot, tolvane-sim on a pseudo-terminal and the real program
-with the accessibility bridge on. Then, by keyboard alone (keys sent through
-the bus's device event controller), Tab goes round every page and sub-page
-(Connection, Operate, Memories, Messages, Settings and its four pages, Spots
-and its five lists, Preferences, About). At each focus stop it judges what a
-screen reader is given: a name made of words (or the label the control is
-labelled by), a role, a value or text, a state, no pane without a name, a
-field announced before its caret moves. Each interactive control must offer
-what its role needs (an action, editable text, a value, rows). Then a band
-button's and a mode button's accessible actions, text set over the bus and
-Return on a POTA row are checked by the simulator's wire log and the
+with the accessibility bridge on (see desktop_session.py). Then, by keyboard
+alone (xdotool's test keyboard, or the bus's device event controller), Tab
+goes round every page and sub-page (Connection, Operate, Memories, Messages,
+Settings and its four pages, Spots and its five lists, Log, Preferences,
+About). At each focus stop it judges what a screen reader is given: a name
+made of words (or the label the control is labelled by), a role, a value or
+text (a pop-up's entry), a state, no pane without a name, a field announced
+before its caret moves. Each interactive control must offer what its role
+needs (an action, editable text, a value, rows). Then a band button's and a
+mode button's accessible actions, text set over the bus and Return on a POTA
+row reached by Tab and Down are checked by the simulator's wire log and the
 window's state.
 
-With TOLVANE_WALK_ORCA=1, and Orca and speech-dispatcher installed, a real
-Orca runs during the walk with its speech captured to a file (see
-screen_reader.py), and every stop must be spoken; otherwise the walk judges
-the bus alone and says so.
+Where Orca and speech-dispatcher are installed, a real Orca runs during the
+walk with its speech captured to a file (see screen_reader.py): every stop
+must be spoken with its name, and no bare "layered pane". TOLVANE_WALK_ORCA=0
+leaves Orca out; without Orca the walk judges the bus alone and says so.
+TOLVANE_WALK_VERBOSE=1 prints every stop (and what Orca said, and how soon).
 
 Exits 0 on success, 1 with the faults, 77 when no X server can be started or
 python3-dbus or python3-gi is missing (skipped).
@@ -185,6 +187,14 @@ class Bus:
         """A key (or chord) from the keyboard: xdotool's test keyboard where
         installed (the bus's device event controller presses Tab and Return
         alike, but its Alt does not reach the menu bar), else the controller."""
+        if XDOTOOL and "+" in name:
+            # A chord as fingers make it: the modifier held a moment before
+            # and after the key (a screen reader that listens to the keys
+            # holds each one up until it has seen it).
+            modifier, key = name.split("+")
+            subprocess.run([XDOTOOL, "keydown", modifier, "sleep", "0.15", "key", key, "sleep", "0.15",
+                            "keyup", modifier], timeout=20)
+            return
         if XDOTOOL:
             subprocess.run([XDOTOOL, "key", name], timeout=20)
             return
@@ -281,7 +291,7 @@ def judge(bus, ref, events):
     if role not in READ_ONLY and "org.a11y.atspi.Action" not in interfaces and role not in TABLES + ("slider",) \
             and "org.a11y.atspi.EditableText" not in interfaces:
         problems.append("nothing to act with")
-    return problems, role, "%s, %s%s" % (spoken, role, (", " + value) if value else "")
+    return problems, role, "%s, %s%s" % (spoken, role, (", " + value) if value else ""), [name] + labels
 
 
 def combo_entry(bus, ref):
@@ -299,12 +309,12 @@ class Walk:
         self.stops = {}  # ref -> (page, problems, words)
         self.faults = []
 
-    def round(self, page, window=None, limit=400):
+    def round(self, page, window=None, mark=None, limit=400):
         """Tab round the window as it stands; every new stop is judged. A
         window with one control keeps the focus on it: that one is judged."""
         first = None
         for _ in range(limit):
-            spoken_before = self.reader.mark()
+            spoken_before = mark if first is None and mark is not None else self.reader.mark()
             ref, events = self.bus.press("Tab")
             if ref is None and window and first is None:
                 ref = self.bus.focused_in(window)
@@ -318,15 +328,21 @@ class Walk:
             first = first or ref
             if ref in self.stops:
                 continue
-            problems, role, words = judge(self.bus, ref, events)
-            heard = self.reader.heard_since(spoken_before, words.split(", ")[0])
-            if self.reader.running and not heard:
-                problems.append("nothing was spoken")
+            problems, role, words, names = judge(self.bus, ref, events)
+            began = time.time()
+            heard = self.reader.heard_since(spoken_before, names)
+            if self.reader.running:
+                if not heard:
+                    problems.append("nothing was spoken")
+                elif not screen_reader.says(heard, [screen_reader.normal(n) for n in names if n.strip()]):
+                    problems.append("the screen reader did not say its name")
+                if any(screen_reader.normal(h) == "layered pane" for h in heard):
+                    problems.append("an unnamed pane was spoken")
             self.stops[ref] = (page, problems, words)
             if VERBOSE:
                 print("%-22s %s%s%s" % (page, words, ("  <- " + "; ".join(problems)) if problems else "",
-                                        ("  [" + " / ".join(heard) + "]") if self.reader.running else ""),
-                      flush=True)
+                                        ("  [%.1f s: %s]" % (time.time() - began, " / ".join(heard)))
+                                        if self.reader.running else ""), flush=True)
             for p in problems:
                 self.faults.append("%s: %s: %s" % (page, words, p))
         self.faults.append("%s: Tab never came round" % page)
@@ -436,8 +452,11 @@ def open_about(bus, app, reader, connection):
     give_focus(bus, app.pid, "Tolvane", connection)
     about = None
     if XDOTOOL:
-        bus.key("alt+h")
-        bus.pump(0.3)
+        # Alt+H opens the Help menu; A is pressed once its first item has the
+        # focus (a screen reader may hold the keys up while it speaks).
+        ref, _ = bus.press("alt+h")
+        if ref is None:
+            bus.pump(0.5)
         bus.key("a")
         about = bus.wait_window(roles, "About Tolvane", 10)
     if not about:
@@ -510,12 +529,13 @@ def drive(app, run, reader):
     bus.pump(0.3)
     walk.round("Preferences")
     bus.key("Escape")
+    before_about = reader.mark()
     about = open_about(bus, app, reader, connection)
     if not about:
         fail("the About box is not on the bus")
     give_focus(bus, app.pid, "About Tolvane", about)
     bus.pump(0.3)
-    walk.round("About", about)
+    walk.round("About", about, before_about)
     bus.key("Escape")
     end = time.time() + 5
     while time.time() < end and bus.wait_window(("alert message", "alert", "dialog"), "About Tolvane", 0):

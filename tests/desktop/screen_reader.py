@@ -14,6 +14,20 @@ import shutil
 import subprocess
 import time
 
+# What Orca says for the keys the walk presses (its key echo), not for the
+# controls they reach.
+KEY_ECHO = {"tab", "left tab", "escape", "return", "down", "alt", "alt h", "h", "a", "control", "comma"}
+
+
+def normal(text):
+    return " ".join(text.replace("\u2026", "...").lower().rstrip(".").rstrip(":").split())
+
+
+def says(utterances, names):
+    """Whether one of the utterances holds one of the names."""
+    return any(n in normal(u) for u in utterances for n in names)
+
+
 MODULES = ["/usr/lib/speech-dispatcher-modules", "/usr/lib/x86_64-linux-gnu/speech-dispatcher-modules",
            "/usr/lib/aarch64-linux-gnu/speech-dispatcher-modules"]
 
@@ -27,8 +41,8 @@ class ScreenReader:
         self.why = ""
 
     def start(self):
-        if os.environ.get("TOLVANE_WALK_ORCA") != "1":
-            self.why = "not asked for: TOLVANE_WALK_ORCA=1 runs Orca"
+        if os.environ.get("TOLVANE_WALK_ORCA") == "0":
+            self.why = "switched off by TOLVANE_WALK_ORCA=0"
             return "SCREEN READER: none (%s); the walk judges the accessibility bus alone" % self.why
         orca, dispatcher = shutil.which("orca"), shutil.which("speech-dispatcher")
         modules = [m for m in MODULES if os.path.exists(os.path.join(m, "sd_generic"))]
@@ -95,20 +109,22 @@ class ScreenReader:
     def mark(self):
         return len(self.utterances())
 
-    def heard_since(self, mark, expect="", timeout=5.0):
-        """What was spoken since the mark. Waits for the announcement that
-        holds the expected words (Orca may lag behind the focus under load),
-        returning as soon as it is heard; at the deadline, whatever came."""
+    def heard_since(self, mark, names=(), timeout=5.0):
+        """What was spoken since the mark, without the echo of the keys
+        pressed. Waits for the announcement that says one of the names (Orca
+        may lag behind the focus on a loaded machine), returning as soon as
+        it is heard; at the deadline, whatever came."""
         if not self.running:
             return []
-        words = expect.lower().rstrip(":")
+        wanted = [normal(n) for n in names if normal(n)]
         end = time.time() + timeout
-        while time.time() < end:
-            said = self.utterances()[mark:]
-            if said and (not words or any(words in s.lower() for s in said)):
+        while True:
+            said = [u for u in self.utterances()[mark:] if normal(u) not in KEY_ECHO]
+            if said and (not wanted or says(said, wanted)):
+                return said
+            if time.time() >= end:
                 return said
             time.sleep(0.03)
-        return self.utterances()[mark:]
 
     def summary(self):
         if not self.running:
