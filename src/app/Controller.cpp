@@ -1,5 +1,7 @@
 // Construction of the controller, the set-up routine, the update notice, the
 // on-open sequence, the port list and hot-plug notices.
+#include <algorithm>
+
 #include "app/SerialPortDemoController.h"
 #include "app/StartUp.h"
 #include "menu/MenuTable.h"
@@ -177,7 +179,10 @@ void SerialPortDemoController::setUpRoutine() {
     // them rather than appending the values a second time.
     auto base = valueListBase_.find(item.tag());
     if (base == valueListBase_.end()) base = valueListBase_.emplace(item.tag(), p->entries()).first;
-    std::vector<ui::Entry> entries = base->second;
+    // Sized once: the longest list has ten thousand values.
+    std::vector<ui::Entry> entries;
+    entries.reserve(std::max(base->second.size() + item.entries.size(), p->entries().size()));
+    entries = base->second;
     for (const std::string& value : item.entries)
       entries.push_back(ui::Entry{value, 0, value == item.factory ? ui::kStatusPartiallyAvailable : "", false});
     // Entries past the list are values the radio reported; they stay, at the

@@ -91,6 +91,7 @@ std::string padded(int value, int width) {
 
 std::vector<std::string> values(Range r, int width) {
   std::vector<std::string> out;
+  if (r.step > 0 && r.to >= r.from) out.reserve(static_cast<std::size_t>((r.to - r.from) / r.step + 1));
   for (int v = r.from; v <= r.to; v += r.step) out.push_back(padded(v, width));
   return out;
 }
