@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QTabWidget>
@@ -67,7 +68,12 @@ MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), b
   setWindowTitle(QString::fromStdString(binder_.model().title()));
   binder_.model().setTitleObserver([this](const std::string& title) { setWindowTitle(QString::fromStdString(title)); });
   setMinimumSize(960, 640);
-  resize(1440, 880);
+  // Every page fits 1440 x 880; on a smaller screen the window takes the room
+  // there is (the pages scroll) instead of running off the screen's edge.
+  QSize size(1440, 880);
+  if (const QScreen* screen = QGuiApplication::primaryScreen())
+    size = size.boundedTo(screen->availableGeometry().size()).expandedTo(minimumSize());
+  resize(size);
 
   auto* tabs = binder_.widgetAs<QTabWidget>("mainTab");
   placed_.insert("mainTab");
