@@ -92,11 +92,11 @@ bool headlessRequest(int argc, char** argv) {
 int main(int argc, char** argv) {
   step("main");
   // The font list and the port list are read while the application and its
-  // window are built.
-  desktop::FontWarmUp fonts;
-  desktop::QtPortManager::prefetchSystemPorts();
-  // --help, --version and --list-ports need no display.
+  // window are built; --help, --version and --list-ports need no display and
+  // no fonts.
   const bool headless = headlessRequest(argc, argv);
+  desktop::FontWarmUp fonts(!headless);
+  desktop::QtPortManager::prefetchSystemPorts();
   std::unique_ptr<QCoreApplication> app =
       headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
   fonts.applicationMade(!headless);

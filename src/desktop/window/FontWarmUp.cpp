@@ -7,7 +7,8 @@
 
 namespace tolvane::desktop {
 
-FontWarmUp::FontWarmUp() {
+FontWarmUp::FontWarmUp(bool start) {
+  if (!start) return;
   thread_ = std::thread([ready = application_.get_future()]() mutable {
     // fontconfig keeps the configuration it loads as its current one, so
     // Qt's own FcInit() later finds it made.
@@ -27,7 +28,9 @@ FontWarmUp::~FontWarmUp() {
   thread_.join();
 }
 
-void FontWarmUp::applicationMade(bool withWindow) { application_.set_value(withWindow); }
+void FontWarmUp::applicationMade(bool withWindow) {
+  if (thread_.joinable()) application_.set_value(withWindow);
+}
 
 void FontWarmUp::wait() {
   if (thread_.joinable()) thread_.join();

@@ -16,7 +16,8 @@ namespace tolvane::desktop {
 
 class FontWarmUp {
  public:
-  FontWarmUp();
+  // With `start` false (a run that shows no window) nothing is read.
+  explicit FontWarmUp(bool start);
   ~FontWarmUp();
   FontWarmUp(const FontWarmUp&) = delete;
   FontWarmUp& operator=(const FontWarmUp&) = delete;
