@@ -54,7 +54,7 @@ DEC = "org.a11y.atspi.DeviceEventController"
 # X key codes of the keys the walk presses, for the bus's device event
 # controller where xdotool is not installed (modifier first in a chord).
 KEYCODES = {"Tab": (23,), "Return": (36,), "Down": (116,), "Escape": (9,), "ctrl+comma": (37, 59),
-            "alt+h": (64, 43), "a": (38,)}
+            "alt+h": (64, 43), "alt+Down": (64, 116), "a": (38,)}
 XDOTOOL = shutil.which("xdotool")
 LABELLED_BY = 2
 STATE_CHECKED, STATE_ENABLED, STATE_FOCUSED = 4, 8, 12
@@ -447,6 +447,30 @@ def check_pota_return(bus, run, faults):
         faults.append("Return on the POTA row did not tune")
 
 
+def check_memories_keys(bus, faults):
+    """The memories table is one Tab stop after the page's buttons, and a
+    row's Mode pop-up opens from the keyboard on the row."""
+    bus.act(bus.wait_find("page tab", "Memories"))
+    bus.pump(0.05)
+    table = bus.wait_find("table", "Memory channels")
+    for _ in range(12):
+        ref, _ = bus.press("Tab")
+        if ref == table or (ref and bus.role(ref) == "table cell"):
+            break
+    else:
+        faults.append("Memories: the table is not among the first 12 Tab stops of its page")
+        return
+    bus.press("Down")
+    ref, _ = bus.press("alt+Down")
+    role = bus.role(ref) if ref else ""
+    if role not in ("list item", "list", "menu item"):
+        faults.append("Memories: Alt+Down on a row did not open its Mode pop-up (focus: %r)" % role)
+        return
+    ref, _ = bus.press("Escape")
+    if not ref or (ref != table and bus.role(ref) != "table cell"):
+        faults.append("Memories: Escape in a row's Mode pop-up did not give the keyboard back to the table")
+
+
 def open_about(bus, app, reader, connection):
     """Help > About Tolvane from the keyboard (Alt+H, A). The box is a
     message box: a window of its own, role "alert message" on the bus."""
@@ -548,6 +572,7 @@ def drive(app, run, reader):
 
     faults = walk.faults
     check_actions(bus, run, faults)
+    check_memories_keys(bus, faults)
     check_pota_return(bus, run, faults)
 
     stops = walk.stops
