@@ -9,6 +9,7 @@ import datetime
 import http.server
 import json
 import os
+import random
 import shutil
 import socket
 import subprocess
@@ -86,8 +87,11 @@ class Session:
         The display is chosen here, not by the server: a server of another
         run in a private /tmp (its lock file unseen) still answers on the
         abstract socket of its number, and a client would reach that one.
-        A number is taken only where nothing answers on either socket."""
-        start = 100 + os.getpid() % 800
+        A number (drawn at random, so runs at the same time rarely meet) is
+        taken only where nothing answers on either socket, and kept only once
+        this server is seen listening on it: two servers started at once on
+        one number leave one of them answering for both."""
+        start = random.randrange(1000, 30000)
         for number in (str(n) for n in range(start, start + 40)):
             if self._x_answers(number) or os.path.exists("/tmp/.X%s-lock" % number):
                 continue
@@ -99,9 +103,9 @@ class Session:
             # The accessibility registry opens the display once, when it
             # starts: the server must take connections by then.
             end = time.time() + 10
-            while xvfb.poll() is None and time.time() < end and not self._x_answers(number):
+            while xvfb.poll() is None and time.time() < end and not self._listens(xvfb.pid, number):
                 time.sleep(0.05)
-            if xvfb.poll() is None and self._x_answers(number):
+            if xvfb.poll() is None and self._listens(xvfb.pid, number):
                 break
             if xvfb.poll() is None:
                 xvfb.kill()
@@ -115,6 +119,22 @@ class Session:
         dbus.SessionBus().get_object("org.freedesktop.DBus", "/org/freedesktop/DBus").UpdateActivationEnvironment(
             {"DISPLAY": self.display}, dbus_interface="org.freedesktop.DBus")
         return self.display
+
+    @staticmethod
+    def _listens(pid, number):
+        """Whether the server of that process is the one listening on the
+        display's abstract socket (another run's server may answer there)."""
+        try:
+            ours = {os.readlink("/proc/%d/fd/%s" % (pid, fd)) for fd in os.listdir("/proc/%d/fd" % pid)}
+            with open("/proc/net/unix") as table:
+                for line in table.readlines()[1:]:
+                    fields = line.split()
+                    if len(fields) >= 8 and fields[7] == "@/tmp/.X11-unix/X" + number:
+                        if "socket:[%s]" % fields[6] in ours:
+                            return True
+        except OSError:
+            pass
+        return False
 
     @staticmethod
     def _x_answers(number):
