@@ -9,8 +9,17 @@ platform::Duration roundedUp(std::chrono::microseconds us) { return std::chrono:
 SimulatedSerialPort::SimulatedSerialPort(platform::Scheduler& scheduler) : SimulatedSerialPort(scheduler, Options{}) {}
 
 SimulatedSerialPort::SimulatedSerialPort(platform::Scheduler& scheduler, Options options)
-    : scheduler_(scheduler), options_(options), radio_(Transceiver::Options{options.bootTime, options.demo, 1}) {
-  radio_.setOutput([this](std::string_view answer) { queue(answer); });
+    : scheduler_(scheduler), options_(options) {}
+
+Transceiver& SimulatedSerialPort::radio() const {
+  if (!radio_) {
+    radio_ = std::make_unique<Transceiver>(Transceiver::Options{options_.bootTime, options_.demo, 1});
+    // queue() changes only this port's outbox; the radio is made from const
+    // accessors too, hence the cast.
+    auto* self = const_cast<SimulatedSerialPort*>(this);
+    radio_->setOutput([self](std::string_view answer) { self->queue(answer); });
+  }
+  return *radio_;
 }
 
 SimulatedSerialPort::~SimulatedSerialPort() = default;
@@ -19,6 +28,7 @@ void SimulatedSerialPort::open(const platform::SerialSettings& settings) {
   if (open_) return;
   baud_ = settings.baudRate;
   open_ = true;
+  radio();
   if (listener_) listener_->serialPortWasOpened(*this);
   scheduleTick();
 }
@@ -36,7 +46,7 @@ bool SimulatedSerialPort::sendData(std::string_view bytes) {
   // With pacing, an answer leaves once the written bytes and the answers
   // before it have crossed the line.
   lineBytes_ = bytes.size();
-  radio_.write(bytes);
+  radio().write(bytes);
   lineBytes_ = 0;
   scheduleTick();
   return true;
@@ -62,7 +72,7 @@ void SimulatedSerialPort::queue(std::string_view answer) {
 
 void SimulatedSerialPort::scheduleTick() {
   if (tickPending_ || !open_) return;
-  const std::optional<platform::Duration> next = radio_.nextEvent();
+  const std::optional<platform::Duration> next = radio().nextEvent();
   if (!next) return;
   tickPending_ = true;
   std::weak_ptr<int> alive = life_;
@@ -70,7 +80,7 @@ void SimulatedSerialPort::scheduleTick() {
   scheduler_.after(wait, [this, alive, wait] {
     if (alive.expired()) return;
     tickPending_ = false;
-    radio_.advance(wait);
+    radio().advance(wait);
     scheduleTick();
   });
 }

@@ -40,19 +40,23 @@ class SimulatedSerialPort : public platform::SerialPort {
   bool sendData(std::string_view bytes) override;
   void setListener(platform::SerialPortListener* listener) override { listener_ = listener; }
 
-  // The radio itself: its state and front panel.
-  Transceiver& transceiver() { return radio_; }
-  const Transceiver& transceiver() const { return radio_; }
+  // The radio itself: its state and front panel. It is made when first
+  // needed (the port opened or the radio looked at), so a program that never
+  // opens the simulated port does not hold its state.
+  Transceiver& transceiver() { return radio(); }
+  const Transceiver& transceiver() const { return radio(); }
+  bool radioMade() const { return radio_ != nullptr; }
   // Answers waiting for their delivery.
   std::size_t pendingAnswers() const { return outbox_.size(); }
 
  private:
+  Transceiver& radio() const;
   void queue(std::string_view answer);
   void scheduleTick();
 
   platform::Scheduler& scheduler_;
   Options options_;
-  Transceiver radio_;
+  mutable std::unique_ptr<Transceiver> radio_;
   platform::SerialPortListener* listener_ = nullptr;
   bool open_ = false;
   std::int64_t baud_ = 38400;

@@ -52,6 +52,23 @@ TEST(SimulatedPort, ClosingDropsWhatWasOnItsWayAndRefusesWrites) {
   EXPECT_EQ(line.listener.deliveries, (std::vector<std::string>{"FA014251000;"}));
 }
 
+TEST(SimulatedPort, TheRadioIsMadeWhenFirstNeededAndAnswersFromFactoryState) {
+  test::FakeScheduler scheduler;
+  test::PortEvents listener;
+  sim::SimulatedSerialPort never(scheduler);
+  EXPECT_FALSE(never.radioMade()) << "a port that is only listed holds no radio";
+  EXPECT_EQ(never.description(), "Simulated transceiver");
+  EXPECT_FALSE(never.radioMade());
+
+  sim::SimulatedSerialPort port(scheduler);
+  port.setListener(&listener);
+  port.open(platform::SerialSettings{});
+  EXPECT_TRUE(port.radioMade());
+  port.sendData("FA;");
+  scheduler.advance(0ms);
+  EXPECT_EQ(listener.deliveries, (std::vector<std::string>{"FA014250000;"}));
+}
+
 TEST(SimulatedPort, PacingAndLatencyDelayTheAnswers) {
   sim::SimulatedSerialPort::Options paced;
   paced.pacing = true;

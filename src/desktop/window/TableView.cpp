@@ -52,6 +52,9 @@ void TableModel::fetch() {
     cells_.resize(static_cast<std::size_t>(rows));
     for (int r = 0; r < rows; ++r) {
       auto& row = cells_[static_cast<std::size_t>(r)];
+      // Exactly one cell a column: a grown vector would keep up to twice the
+      // room, and a list of 500 spots holds its cells for as long as it is shown.
+      row.reserve(table_.columns().size());
       for (const auto& col : table_.columns()) row.push_back(source->cellFor(table_, col.identifier, r));
       marks_.push_back(source->rowMarks(table_, r));
     }
