@@ -23,31 +23,13 @@ import sys
 import tempfile
 import time
 
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from harness import free_port, wait_for  # noqa: E402
+
 EXE = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "..", "build", "src", "desktop", "tolvane")
 SIM = sys.argv[2] if len(sys.argv) > 2 else os.path.join(os.path.dirname(EXE), "..", "sim", "tolvane-sim")
 SECONDS = float(os.environ.get("SHARE_SECONDS", "60"))
 CLIENTS = 8
-
-
-def free_port():
-    s = socket.socket()
-    s.bind(("127.0.0.1", 0))
-    port = s.getsockname()[1]
-    s.close()
-    return port
-
-
-def wait_for(path, text, timeout):
-    end = time.time() + timeout
-    while time.time() < end:
-        try:
-            with open(path) as f:
-                if text in f.read():
-                    return True
-        except FileNotFoundError:
-            pass
-        time.sleep(0.05)
-    return False
 
 
 def percentile(values, p):

@@ -29,7 +29,6 @@ import functools
 import http.server
 import multiprocessing
 import os
-import select
 import socket
 import statistics
 import subprocess
@@ -41,6 +40,7 @@ import time
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, HERE)
 import weblists_timing as lists  # noqa: E402  (the hand-made web answers)
+from harness import free_port, trace_lines  # noqa: E402
 
 ARGS = [a for a in sys.argv[1:]]
 
@@ -63,14 +63,6 @@ EXE = os.path.join(BUILD, "src", "desktop", "tolvane")
 SIM = os.path.join(BUILD, "src", "sim", "tolvane-sim")
 FLOOR = os.path.join(BUILD, "bench", "floor_window")
 CLIENTS = 8
-
-
-def free_port():
-    s = socket.socket()
-    s.bind(("127.0.0.1", 0))
-    port = s.getsockname()[1]
-    s.close()
-    return port
 
 
 def environment(config, trace=True):
@@ -178,23 +170,14 @@ def stalls_once(base):
             clients = [multiprocessing.Process(target=poller, args=(rigctld, stop, results)) for _ in range(CLIENTS)]
             for c in clients:
                 c.start()
-        os.set_blocking(p.stderr.fileno(), False)
-        buf, loop, shown, stalls = "", None, None, []
-        end = time.monotonic() + 16
-        while time.monotonic() < end:
-            r, _, _ = select.select([p.stderr], [], [], 0.1)
-            if not r:
-                continue
-            buf += p.stderr.read() or ""
-            *lines, buf = buf.split("\n")
-            for line in lines:
-                parts = line.split()
-                if line.startswith("trace loop"):
-                    loop = int(parts[2])
-                elif line.startswith("trace shown"):
-                    shown = int(parts[2])
-                elif line.startswith("trace stall"):
-                    stalls.append((int(parts[2]), int(parts[-1])))
+        loop, shown, stalls = None, None, []
+        for line, parts in trace_lines(p, 16):
+            if line.startswith("trace loop"):
+                loop = int(parts[2])
+            elif line.startswith("trace shown"):
+                shown = int(parts[2])
+            elif line.startswith("trace stall"):
+                stalls.append((int(parts[2]), int(parts[-1])))
         stop.set()
         round_trips = 0
         for _ in clients:

@@ -17,12 +17,14 @@ import datetime
 import functools
 import http.server
 import os
-import select
 import subprocess
 import sys
 import tempfile
 import threading
 import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from harness import trace_lines  # noqa: E402
 
 args = [a for a in sys.argv[1:] if not a.startswith("--")]
 RUNS = int(sys.argv[sys.argv.index("--runs") + 1]) if "--runs" in sys.argv else 3
@@ -114,23 +116,14 @@ def run_once(base, cfg):
     env.setdefault("QT_QPA_PLATFORM", "offscreen")
     p = subprocess.Popen([EXE, "--port", pty, "--connect", "--rigctld-port", "0", "--flrig-port", "0"] + services,
                          env=env, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
-    os.set_blocking(p.stderr.fileno(), False)
-    buf, events, stalls, loop = "", [], [], None
-    end = time.monotonic() + 16
-    while time.monotonic() < end:
-        r, _, _ = select.select([p.stderr], [], [], 0.1)
-        if not r:
-            continue
-        buf += p.stderr.read() or ""
-        *lines, buf = buf.split("\n")
-        for line in lines:
-            parts = line.split()
-            if line.startswith("trace loop"):
-                loop = int(parts[2])
-            elif line.startswith("trace stall"):
-                stalls.append((int(parts[2]), int(parts[-1])))
-            elif line.startswith("trace rows") or line.startswith("trace title bandBox"):
-                events.append((int(parts[-1]), " ".join(parts[1:-1])))
+    events, stalls, loop = [], [], None
+    for line, parts in trace_lines(p, 16):
+        if line.startswith("trace loop"):
+            loop = int(parts[2])
+        elif line.startswith("trace stall"):
+            stalls.append((int(parts[2]), int(parts[-1])))
+        elif line.startswith("trace rows") or line.startswith("trace title bandBox"):
+            events.append((int(parts[-1]), " ".join(parts[1:-1])))
     p.terminate()
     p.wait()
     sim.terminate()
