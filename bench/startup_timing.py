@@ -92,8 +92,18 @@ def serve_lists(root):
     return server, f"http://127.0.0.1:{server.server_address[1]}"
 
 
-def time_to_shown(command, env):
-    """Milliseconds from launch to the "trace shown" mark; the process is ended then."""
+def mapped_objects(pid):
+    """The shared objects a process has mapped now."""
+    try:
+        with open(f"/proc/{pid}/maps") as f:
+            return {line.split()[-1] for line in f if ".so" in line.rsplit("/", 1)[-1]}
+    except OSError:
+        return set()
+
+
+def time_to_shown(command, env, objects=None):
+    """Milliseconds from launch to the "trace shown" mark; the process is ended then. The shared
+    objects it has mapped at that moment are added to `objects`."""
     t0 = time.monotonic_ns()
     p = subprocess.Popen(command, env=env, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                          stderr=subprocess.PIPE, text=True)
@@ -105,6 +115,8 @@ def time_to_shown(command, env):
             break
         if line.startswith("trace shown"):
             shown = (int(line.split()[2]) - t0) / 1e6
+            if objects is not None:
+                objects.append(mapped_objects(p.pid))
     p.terminate()
     p.wait()
     return shown
@@ -112,13 +124,14 @@ def time_to_shown(command, env):
 
 def start_ratio(base):
     ours, floor = [], []
+    objects = {id(ours): [], id(floor): []}
     for _ in range(RUNS):
         for command, into in (([FLOOR], floor), ([EXE] + program_args(base), ours)):
             with tempfile.TemporaryDirectory() as cfg:
-                ms = time_to_shown(command, environment(cfg))
+                ms = time_to_shown(command, environment(cfg), objects[id(into)])
             if ms is not None:
                 into.append(ms)
-    return ours, floor
+    return ours, floor, objects[id(ours)], objects[id(floor)]
 
 
 def poller(port, stop, results):
@@ -285,13 +298,21 @@ def main():
     with tempfile.TemporaryDirectory() as root:
         server, base = serve_lists(root)
 
-        ours, floor = start_ratio(base)
+        ours, floor, our_objects, floor_objects = start_ratio(base)
         if ours and floor:
             ratio = statistics.median(ours) / statistics.median(floor)
             print(f"start to window shown, median of {len(ours)} / {len(floor)} launches, alternating: "
                   f"Tolvane {statistics.median(ours):.0f} ms, floor {statistics.median(floor):.0f} ms, "
                   f"ratio {ratio:.2f} (target 1.5 or less)")
             print(f"  Tolvane {sorted(round(x) for x in ours)}; floor {sorted(round(x) for x in floor)}")
+        if our_objects and floor_objects:
+            # The fewest seen: a worker thread may still be loading a module at the first paint.
+            mine, bare = min(our_objects, key=len), min(floor_objects, key=len)
+            base_names = {os.path.basename(o) for o in bare}
+            extra = sorted(os.path.basename(o) for o in mine if os.path.basename(o) not in base_names)
+            print(f"shared objects mapped at the first paint: Tolvane {len(mine)} "
+                  f"(most {max(len(o) for o in our_objects)}), floor {len(bare)}; "
+                  f"beyond the floor's: {', '.join(extra) or 'none'}")
         else:
             print("start to window shown: no window seen")
 

@@ -2,10 +2,10 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QHostAddress>
 #include <cstdio>
 #include <cstdlib>
 
+#include "desktop/servers/Sharing.h"
 #include "desktop/services/Resources.h"
 #include "spots/WebLists.h"
 
@@ -79,7 +79,7 @@ Options parseCommandLine(const QStringList& arguments) {
   o.flrigPort = portValue(flrig, "flrig-port");
   if (parser.isSet(shareAddress)) {
     o.shareAddress = parser.value(shareAddress);
-    if (QHostAddress(o.shareAddress).isNull()) {
+    if (!isHostAddress(o.shareAddress)) {
       std::fprintf(stderr, "--share-address takes an IP address, not \"%s\"\n", qPrintable(o.shareAddress));
       std::exit(2);
     }

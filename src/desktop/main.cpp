@@ -15,12 +15,15 @@
 #include "app/WindowLayout.h"
 #include "desktop/CommandLine.h"
 #include "desktop/TraceDriver.h"
-#include "desktop/servers/ShareServers.h"
+#include "desktop/servers/Sharing.h"
 #include "desktop/services/MediaLoader.h"
+#include "desktop/services/ModuleLoader.h"
 #include "desktop/services/NetsKey.h"
-#include "desktop/services/QtSerial.h"
+#include "desktop/services/NetworkServices.h"
 #include "desktop/services/QtServices.h"
 #include "desktop/services/Resources.h"
+#include "desktop/services/StoreServices.h"
+#include "desktop/services/SystemPorts.h"
 #include "desktop/window/Binder.h"
 #include "desktop/window/FontWarmUp.h"
 #include "desktop/window/LogDesk.h"
@@ -96,7 +99,11 @@ int main(int argc, char** argv) {
   // no fonts.
   const bool headless = headlessRequest(argc, argv);
   desktop::FontWarmUp fonts(!headless);
-  desktop::QtPortManager::prefetchSystemPorts();
+  desktop::StdoutLog log;
+  // The serial ports' module is loaded, and the system's port list read, on
+  // a worker thread of their own.
+  desktop::SystemPorts systemPorts(desktop::modulePath(QStringLiteral("libtolvane-serial.so")), log);
+  systemPorts.prefetch();
   std::unique_ptr<QCoreApplication> app =
       headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
   fonts.applicationMade(!headless);
@@ -110,7 +117,6 @@ int main(int argc, char** argv) {
 
   QObject root;
   desktop::QtScheduler scheduler(&root);
-  desktop::QtPortManager systemPorts;
   if (options.port.startsWith('/')) systemPorts.addExtraPort(options.port);
 #ifdef TOLVANE_HAVE_SIM
   sim::PortManagerWithSimulator ports(systemPorts, scheduler);
@@ -125,11 +131,13 @@ int main(int argc, char** argv) {
   }
 
   desktop::QtSettingsStore settings;
-  desktop::StdoutLog log;
   // Sounds and the voice guide come from their own module, loaded when wanted.
-  desktop::MediaLoader media(desktop::mediaModulePath(), desktop::soundsDirectory(), log);
+  desktop::MediaLoader media(desktop::modulePath(QStringLiteral("libtolvane-media.so")), desktop::soundsDirectory(),
+                             log);
   desktop::QtNotifications notifications;
-  desktop::QtHttpClient http;
+  // Web requests and rig sharing come from their own module, loaded once the
+  // window is on screen; what is asked before waits for it.
+  desktop::NetworkServices http(desktop::modulePath(QStringLiteral("libtolvane-network.so")), log);
   desktop::QtBrowser browser;
   desktop::QtAlerts alerts;
   desktop::QtFiles files;
@@ -165,9 +173,7 @@ int main(int argc, char** argv) {
     if (const std::string_view name = s.name; name == "pota-web" || name == "map") continue;
     tlsWanted = tlsWanted || controller.serviceAddress(s.name).starts_with("https:");
   }
-  if (tlsWanted) http.loadTlsInBackground();
-  // Web answers are handled from the first frame on (released below).
-  http.holdAnswers();
+  if (tlsWanted) http.loadTlsInBackground();  // once the module is loaded
   controller.awakeFromNib();
   if (!options.port.isEmpty()) {
     bool found = false;
@@ -227,20 +233,21 @@ int main(int argc, char** argv) {
   controller.applicationDidFinishLaunching();
 
   share::ControllerRig sharedRig(controller);
-  desktop::RigctlServer rigctld(sharedRig, share::RigctlOptions{"Tolvane " TOLVANE_VERSION}, log);
-  desktop::FlrigServer flrig(sharedRig, share::FlrigOptions{}, log);
+  http.setSharedRig(&sharedRig, "Tolvane " TOLVANE_VERSION);
   // Reads that wait for the radio (meters on demand) finish when it answers.
-  sharedRig.changed = [&rigctld, &flrig] {
-    rigctld.radioAnswered();
-    flrig.radioAnswered();
-  };
-  window.addConnectionSection(new desktop::SharingPanel({&rigctld, &flrig}));
+  sharedRig.changed = [&http] { http.radioAnswered(); };
+  window.addConnectionSection(new desktop::SharingPanel({&http.rigctldState(), &http.flrigState()}));
+  // The log's file and the keyring come from their own module, loaded after
+  // the first frame, or when the log is first opened if that is sooner.
+  desktop::StoreServices store(desktop::modulePath(QStringLiteral("libtolvane-store.so")), log);
   // The hunter's log: its file and page are opened when first needed.
-  desktop::LogDesk logDesk(window, binder, controller, files, alerts);
+  desktop::LogDesk logDesk(
+      window, binder, controller, files, alerts, [&store](const QString& path) { return store.openLog(path); },
+      desktop::defaultLogPath());
 
   // The nets user key comes from the keyring; the controller holds it for
   // the confirmations and never writes it anywhere.
-  desktop::NetsKey netsKey;
+  desktop::NetsKey netsKey(store);
   QObject::connect(&netsKey, &desktop::NetsKey::stateChanged,
                    [&controller, &netsKey] { controller.setNetsUserKey(netsKey.key().toStdString()); });
   netsKey.load();
@@ -251,9 +258,8 @@ int main(int argc, char** argv) {
     QObject::connect(dialog, &desktop::PreferencesDialog::watchListChanged, [&controller](const QString& text) {
       controller.setWatchList(tolvane::log::WatchList::parse(text.toStdString()));
     });
-    QObject::connect(
-        dialog, &desktop::PreferencesDialog::shareChanged,
-        [&rigctld, &flrig](const desktop::ShareConfig& c) { desktop::applyShareConfig(c, rigctld, flrig); });
+    QObject::connect(dialog, &desktop::PreferencesDialog::shareChanged,
+                     [&http](const desktop::ShareConfig& c) { http.share(c); });
     dialog->open();
   });
 
@@ -276,17 +282,22 @@ int main(int argc, char** argv) {
   if (controller.tlSounds == "1" || controller.tlVoiceGuide == "1")
     QObject::connect(&window, &desktop::MainWindow::firstPainted, &media, &desktop::MediaLoader::load);
   QTimer::singleShot(1000, &window, connectOnce);
-  // The sharing servers listen from the turn after that: their clients'
-  // first requests need no frame.
-  auto shareOnce = [&shareConfig, &rigctld, &flrig, done = std::make_shared<bool>(false)] {
-    if (!std::exchange(*done, true)) desktop::applyShareConfig(shareConfig, rigctld, flrig);
-  };
-  QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, shareOnce, Qt::QueuedConnection);
-  QTimer::singleShot(1000, &window, shareOnce);
-  auto answersOnce = [&http, done = std::make_shared<bool>(false)] {
-    if (!std::exchange(*done, true)) http.release();
-  };
-  QObject::connect(&window, &desktop::MainWindow::firstPainted, &window, answersOnce, Qt::QueuedConnection);
-  QTimer::singleShot(1000, &window, answersOnce);
-  return app->exec();
+  // Web requests and rig sharing: their module is loaded (on a worker thread)
+  // from the turn after the first frame; the requests the set-up routine sent
+  // then go out in order, and the sharing servers listen as soon as it is
+  // ready: their clients' first requests need no frame.
+  http.share(shareConfig);
+  QObject::connect(&http, &desktop::NetworkServices::loaded, [] { step("network"); });
+  QObject::connect(&window, &desktop::MainWindow::firstPainted, &http, &desktop::NetworkServices::load,
+                   Qt::QueuedConnection);
+  QTimer::singleShot(1000, &http, &desktop::NetworkServices::load);
+  // The log's module follows the network's: the first spot list shown opens
+  // the log to mark what was worked today.
+  QObject::connect(&store, &desktop::StoreServices::loaded, [] { step("store"); });
+  QObject::connect(&http, &desktop::NetworkServices::loaded, &store, &desktop::StoreServices::load);
+  QTimer::singleShot(1000, &store, &desktop::StoreServices::load);
+  const int code = app->exec();
+  // The servers go while the radio they serve is still there.
+  http.close();
+  return code;
 }

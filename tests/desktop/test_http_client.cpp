@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/services/QtServices.h"
+#include "desktop/services/QtHttp.h"
 
 namespace tolvane::desktop {
 namespace {
@@ -83,31 +83,6 @@ TEST(HttpClient, PlainGetWithNoCacheHeadersAndTheReasonOfAnErrorStatus) {
   EXPECT_TRUE(posted.head().startsWith("post /netconf.php http/1.1\r\n")) << posted.head().toStdString();
   EXPECT_TRUE(posted.head().contains("\r\ncontent-length: 12")) << posted.head().toStdString();
   EXPECT_TRUE(posted.request.endsWith(R"({"action":1})"));
-}
-
-TEST(HttpClient, AnswersHeldUntilReleasedGoOutInTheOrderTheyCame) {
-  OneShotServer first, second;
-  first.answer = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\nConnection: close\r\n\r\npota";
-  second.answer = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\nConnection: close\r\n\r\nnets";
-  QtHttpClient client;
-  client.holdAnswers();
-  std::vector<std::string> got;
-  platform::HttpRequest get;
-  get.url = first.url("/spot/activator");
-  client.send(get, [&](const platform::HttpResponse& r) { got.push_back(r.body); });
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !first.request.isEmpty(); }, 10000));
-  get.url = second.url("/nets.php");
-  client.send(get, [&](const platform::HttpResponse& r) { got.push_back(r.body); });
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !second.request.isEmpty(); }, 10000));
-  QTest::qWait(200);  // both answered by now, and held
-  EXPECT_TRUE(got.empty());
-  client.release();
-  EXPECT_EQ(got, (std::vector<std::string>{"pota", "nets"}));
-  // Once released, an answer is handled as it comes.
-  OneShotServer third;
-  third.answer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\nConnection: close\r\n\r\nmw";
-  get.url = third.url("/mw.php");
-  EXPECT_EQ(fetch(client, get).body, "mw");
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include <QtTest>
 
 #include "desktop/services/SqliteLogStore.h"
+#include "desktop/services/StoreServices.h"
 #include "desktop/window/Binder.h"
 #include "desktop/window/LogDesk.h"
 #include "desktop/window/MainWindow.h"
@@ -29,6 +30,10 @@ struct LogPageTest : ::testing::Test {
   test::Rig rig;
   Binder binder{rig.window};
   MainWindow window{binder};
+  test::FakeLog log;
+  // The log's file through the store module as built.
+  StoreServices store{QStringLiteral(TOLVANE_STORE_MODULE), log};
+  LogDesk::OpenStore open = [this](const QString& p) { return store.openLog(p); };
   std::unique_ptr<LogDesk> desk;
   std::vector<log::Contact> drafts;  // what the form was opened with
   std::string typedComment = "tnx";  // what the operator adds before Save
@@ -43,7 +48,7 @@ struct LogPageTest : ::testing::Test {
     rig.c().setWallClock([] { return 1795576500.0; });  // 2026-11-25 03:15:00 UTC
     rig.c().tlPotaArray = {{"K7CAR", "14285", "SSB", "", "Park", "3", "0.0", "0.0", "US-WA", "US-3844"}};
     rig.at("potaTable").reloadData();
-    desk = std::make_unique<LogDesk>(window, binder, rig.c(), rig.files, rig.alerts, path());
+    desk = std::make_unique<LogDesk>(window, binder, rig.c(), rig.files, rig.alerts, open, path());
   }
   // The form saves what it was given, with the operator's comment.
   void answerForms() {
@@ -153,7 +158,7 @@ TEST_F(LogPageTest, ALogFromANewerProgramIsLeftAlone) {
     db.close();
   }
   QSqlDatabase::removeDatabase(QStringLiteral("newer"));
-  desk = std::make_unique<LogDesk>(window, binder, rig.c(), rig.files, rig.alerts, path());
+  desk = std::make_unique<LogDesk>(window, binder, rig.c(), rig.files, rig.alerts, open, path());
   EXPECT_EQ(rig.c().rowMarks(rig.at("potaTable"), 0), "");  // the spots are shown, unmarked
   EXPECT_TRUE(rig.alerts.shown.empty());                    // and nobody is told before the page opens
   desk->page();

@@ -45,7 +45,7 @@ TEST(MediaLoader, WhatIsAskedBeforeTheModuleIsReadyGoesOutInOrderThenStraightThr
       [released, &finds] {
         ++finds;
         released.wait();  // the module's libraries are still loading
-        return MediaLoader::Found{&openRecording, {}};
+        return MediaLoader::Found{reinterpret_cast<void*>(&openRecording), {}};
       },
       QStringLiteral("/opt/sounds"), log);
   bool loaded = false;

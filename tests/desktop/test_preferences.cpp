@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QTimer>
+#include <map>
 
 #include "desktop/services/NetsKey.h"
 #include "desktop/window/PreferencesDialog.h"
@@ -17,9 +19,25 @@
 namespace tolvane::desktop {
 namespace {
 
+// A keyring that keeps what it is given and answers in a later turn.
+struct MemoryKeyring : Keyring {
+  std::map<QString, QString> kept;
+  void read(const QString& service, const QString& entry, std::function<void(const Answer&)> done) override {
+    Answer a;
+    a.key = kept[service + '/' + entry];
+    QTimer::singleShot(0, [a, done] { done(a); });
+  }
+  void write(const QString& service, const QString& entry, const QString& key,
+             std::function<void(const Answer&)> done) override {
+    kept[service + '/' + entry] = key;
+    QTimer::singleShot(0, [done] { done(Answer{}); });
+  }
+};
+
 struct PreferencesTest : ::testing::Test {
   test::FakeSettings settings;
-  NetsKey netsKey;
+  MemoryKeyring keyring;
+  NetsKey netsKey{keyring};
   std::unique_ptr<PreferencesDialog> dialog;
   void open() { dialog = std::make_unique<PreferencesDialog>(settings, netsKey); }
   QLineEdit* field(const char* name) { return dialog->findChild<QLineEdit*>(QString::fromLatin1(name)); }
@@ -97,6 +115,8 @@ TEST_F(PreferencesTest, TheNetsKeyNeverReachesTheSettings) {
   ok()->click();
   ASSERT_TRUE(stored.count() > 0 || stored.wait(10000));
   EXPECT_EQ(netsKey.key(), QStringLiteral("k3y-0f-the-net"));
+  EXPECT_EQ(keyring.kept[QStringLiteral("org.tolvane.Tolvane/nets-user-key")], QStringLiteral("k3y-0f-the-net"));
+  EXPECT_FALSE(netsKey.runOnly());
   for (const auto& [key, value] : settings.values) EXPECT_EQ(value.find("k3y"), std::string::npos) << key;
 }
 

@@ -94,10 +94,12 @@ class Servers : public ::testing::Test {
   }
   test::FakeSharedRig rig;
   test::FakeLog log;
+  ShareServerState rigctldState{QStringLiteral("rigctld")};
+  ShareServerState flrigState{QStringLiteral("flrig XML-RPC")};
 };
 
 TEST_F(Servers, RigctldAnswersOverTcpAndLogsItsClients) {
-  RigctlServer server(rig, share::RigctlOptions{}, log);
+  RigctlServer server(rig, share::RigctlOptions{}, rigctldState, log);
   const quint16 port = freePort();
   ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
   const std::string where = "127.0.0.1:" + std::to_string(port);
@@ -120,7 +122,7 @@ TEST_F(Servers, RigctldAnswersOverTcpAndLogsItsClients) {
   const std::string who = server.clients()[0].address.toStdString();
   EXPECT_EQ(log.lines.at(1), "Rig sharing: rigctld client " + who + " connected");
 
-  SharingPanel panel({&server});
+  SharingPanel panel({&rigctldState});
   panel.refresh();
   EXPECT_EQ(panel.statusText(0).toStdString(), "Listening on " + where);
   EXPECT_EQ(panel.clientRows(), 1);
@@ -133,7 +135,7 @@ TEST_F(Servers, RigctldAnswersOverTcpAndLogsItsClients) {
 TEST_F(Servers, PortInUseGivesOneLineAndTheProgramCarriesOn) {
   QTcpServer other;
   ASSERT_TRUE(other.listen(QHostAddress::LocalHost, 0));
-  RigctlServer server(rig, share::RigctlOptions{}, log);
+  RigctlServer server(rig, share::RigctlOptions{}, rigctldState, log);
   EXPECT_FALSE(server.start(QHostAddress::LocalHost, other.serverPort()));
   const std::string where = "127.0.0.1:" + std::to_string(other.serverPort());
   ASSERT_EQ(log.lines.size(), 1u);
@@ -143,7 +145,7 @@ TEST_F(Servers, PortInUseGivesOneLineAndTheProgramCarriesOn) {
 }
 
 TEST_F(Servers, ManyClientsGarbageAndAClientThatNeverReads) {
-  RigctlServer server(rig, share::RigctlOptions{}, log);
+  RigctlServer server(rig, share::RigctlOptions{}, rigctldState, log);
   const quint16 port = freePort();
   ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
   std::vector<std::unique_ptr<QTcpSocket>> clients;
@@ -185,7 +187,7 @@ TEST_F(Servers, ManyClientsGarbageAndAClientThatNeverReads) {
 }
 
 TEST_F(Servers, XmlRpcOverHttp) {
-  FlrigServer server(rig, share::FlrigOptions{}, log);
+  FlrigServer server(rig, share::FlrigOptions{}, flrigState, log);
   const quint16 port = freePort();
   ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
   EXPECT_EQ(log.lines.at(0), "Rig sharing: the flrig XML-RPC server listens on 127.0.0.1:" + std::to_string(port));
@@ -214,8 +216,8 @@ TEST_F(Servers, XmlRpcOverHttp) {
 // (text/plain, an Origin), a form, and a page reaching the port through a
 // name of its own (DNS rebinding). None of them reaches the radio.
 TEST_F(Servers, WebPagesAreRefused) {
-  FlrigServer flrig(rig, share::FlrigOptions{}, log);
-  RigctlServer rigctld(rig, share::RigctlOptions{}, log);
+  FlrigServer flrig(rig, share::FlrigOptions{}, flrigState, log);
+  RigctlServer rigctld(rig, share::RigctlOptions{}, rigctldState, log);
   const quint16 port = freePort(), rigctlPort = freePort();
   ASSERT_TRUE(flrig.start(QHostAddress::LocalHost, port));
   ASSERT_TRUE(rigctld.start(QHostAddress::LocalHost, rigctlPort));
@@ -246,7 +248,7 @@ TEST_F(Servers, WebPagesAreRefused) {
 }
 
 TEST_F(Servers, AllowListAndAWarningForAnyAddressButLoopback) {
-  RigctlServer server(rig, share::RigctlOptions{}, log);
+  RigctlServer server(rig, share::RigctlOptions{}, rigctldState, log);
   server.setAllowedClients({QHostAddress("192.0.2.7")});
   const quint16 port = freePort();
   ASSERT_TRUE(server.start(QHostAddress::Any, port));
@@ -271,8 +273,25 @@ TEST_F(Servers, AllowListAndAWarningForAnyAddressButLoopback) {
   EXPECT_FALSE(ok);
 }
 
+// The preferences check addresses without the network library: the forms an
+// operator types, and which of them keep the servers to this computer.
+TEST(ShareAddresses, AddressesAndLoopback) {
+  for (const char* text : {"127.0.0.1", "127.1", "0.0.0.0", "192.168.1.20", "::1", "::", "fe80::1%eth0",
+                           "::ffff:127.0.0.1", "2001:db8::7"}) {
+    EXPECT_TRUE(isHostAddress(QString::fromLatin1(text))) << text;
+    // The servers' network library reads each of them too.
+    EXPECT_FALSE(QHostAddress(QString::fromLatin1(text)).isNull()) << text;
+  }
+  for (const char* text : {"", "shack-pc", "192.168.1.20 ", "192.168.1.256", "1.2.3.4.5", "::1::2", "[::1]"})
+    EXPECT_FALSE(isHostAddress(QString::fromLatin1(text))) << text;
+  for (const char* text : {"127.0.0.1", "127.0.0.53", "::1", "::ffff:127.0.0.1"})
+    EXPECT_TRUE(isLoopbackAddress(QString::fromLatin1(text))) << text;
+  for (const char* text : {"0.0.0.0", "192.168.1.20", "::", "::ffff:192.168.1.20", "shack-pc"})
+    EXPECT_FALSE(isLoopbackAddress(QString::fromLatin1(text))) << text;
+}
+
 TEST_F(Servers, XmlRpcDropsARequestOverOneMebibyte) {
-  FlrigServer server(rig, share::FlrigOptions{}, log);
+  FlrigServer server(rig, share::FlrigOptions{}, flrigState, log);
   const quint16 port = freePort();
   ASSERT_TRUE(server.start(QHostAddress::LocalHost, port));
   QTcpSocket s;

@@ -14,10 +14,18 @@ cmake --install "$build" --prefix "$prefix" >"$work/install.log" || fail "cmake 
 for f in bin/tolvane bin/tolvane-sim; do
   [ -x "$prefix/$f" ] || fail "$f is not installed as a program"
 done
-# Sounds and speech are a module of their own, beside the program's libraries.
-module=$(find "$prefix" -name libtolvane-media.so)
-[ -n "$module" ] || fail "the sounds-and-speech module is not installed"
-case "$module" in "$prefix"/lib*/tolvane/libtolvane-media.so) ;; *) fail "the module is installed at $module" ;; esac
+# Sounds and speech, the network, the log's file and keyring, and the serial
+# ports are modules of their own, beside the program's libraries; the program
+# itself links none of their libraries.
+for name in media network store serial; do
+  module=$(find "$prefix" -name "libtolvane-$name.so")
+  [ -n "$module" ] || fail "the $name module is not installed"
+  case "$module" in "$prefix"/lib*/tolvane/libtolvane-$name.so) ;; *) fail "the module is installed at $module" ;; esac
+done
+needed=$(readelf -d "$prefix/bin/tolvane" | grep NEEDED)
+for lib in Qt6Network Qt6SerialPort Qt6Sql qt6keychain libudev libsqlite3 Qt6Multimedia Qt6TextToSpeech libsndfile; do
+  if grep -q "$lib" <<<"$needed"; then fail "the program links $lib: $needed"; fi
+done
 for f in share/tolvane/Sounds/Seatbelts.aiff share/tolvane/Sounds/System-Bottle.aiff \
   share/tolvane/Sounds/System-Frog.aiff share/tolvane/docs/manual.md \
   share/applications/org.tolvane.Tolvane.desktop \
@@ -50,7 +58,8 @@ $expected"
 
 # Started with the simulated transceiver, it connects; the settings go to a
 # configuration folder of the test's own. With sounds on, the installed
-# program loads its sounds-and-speech module once the window is shown.
+# program loads its sounds-and-speech module once the window is shown, and
+# its network and store modules after that.
 export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data
 mkdir -p "$work/config/Tolvane"
 printf '[General]\nsounds=1\n' >"$work/config/Tolvane/Tolvane.conf"
@@ -71,9 +80,11 @@ done
 grep -qx 'defaultPort=Simulated transceiver' "$work/config/Tolvane/Tolvane.conf" ||
   fail "the opened port was not saved: $(cat "$work/config/Tolvane/Tolvane.conf" 2>&1)"
 for _ in $(seq 1 50); do
-  grep -q '^trace step media ' "$work/stderr" && break
+  grep -q '^trace step media ' "$work/stderr" && grep -q '^trace step store ' "$work/stderr" && break
   sleep 0.1
 done
-grep -q '^trace step media ' "$work/stderr" || fail "the installed program did not load its module: $(cat "$work/stdout")"
-if grep -q 'Sounds and the voice guide are off' "$work/stdout"; then fail "$(cat "$work/stdout")"; fi
+for step in media network store; do
+  grep -q "^trace step $step " "$work/stderr" || fail "the installed program did not load its $step module: $(cat "$work/stdout")"
+done
+if grep -q ' are off: ' "$work/stdout"; then fail "$(cat "$work/stdout")"; fi
 echo "installed into $prefix and started"

@@ -31,7 +31,8 @@ files=$(dpkg-deb -c "$deb" | awk '{print $6}')
 for f in ./usr/bin/tolvane ./usr/bin/tolvane-sim ./usr/share/applications/org.tolvane.Tolvane.desktop \
   ./usr/share/icons/hicolor/scalable/apps/org.tolvane.Tolvane.svg \
   ./usr/share/metainfo/org.tolvane.Tolvane.metainfo.xml ./usr/share/tolvane/docs/manual.md \
-  ./usr/share/tolvane/Sounds/System-Frog.aiff ./usr/share/doc/tolvane/copyright ./usr/lib/tolvane/libtolvane-media.so; do
+  ./usr/share/tolvane/Sounds/System-Frog.aiff ./usr/share/doc/tolvane/copyright ./usr/lib/tolvane/libtolvane-media.so \
+  ./usr/lib/tolvane/libtolvane-network.so ./usr/lib/tolvane/libtolvane-store.so ./usr/lib/tolvane/libtolvane-serial.so; do
   grep -qx -- "$f" <<<"$files" || fail "the package lacks $f"
 done
 if grep -E 'tests|bench|/include/|\.a$' <<<"$files"; then fail "the package carries build-only files"; fi

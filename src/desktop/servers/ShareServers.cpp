@@ -2,7 +2,6 @@
 
 #include <QNetworkInterface>
 #include <QPointer>
-#include <QRegularExpression>
 #include <QTcpSocket>
 #include <optional>
 #include <string_view>
@@ -29,8 +28,8 @@ QString peer(const QTcpSocket* s) {
 
 // ------------------------------------------------------------------ common
 
-ShareServer::ShareServer(QString name, platform::ConsoleLog& log, QObject* parent)
-    : QObject(parent), log_(log), name_(std::move(name)) {
+ShareServer::ShareServer(ShareServerState& state, platform::ConsoleLog& log, QObject* parent)
+    : QObject(parent), log_(log), state_(&state) {
   waitTimer_.setInterval(250);
   connect(&waitTimer_, &QTimer::timeout, this, [this] { radioAnswered(); });
 }
@@ -41,6 +40,8 @@ bool ShareServer::allowed(const QHostAddress& client) const {
     if (a.isEqual(client, QHostAddress::ConvertV4MappedToIPv4)) return true;
   return false;
 }
+
+void ShareServer::publish() { state_->update(status_, listening_, port_, clients()); }
 
 std::vector<ShareClient> ShareServer::clients() const {
   std::vector<ShareClient> out;
@@ -55,22 +56,22 @@ bool ShareServer::start(const QHostAddress& address, quint16 port) {
   const QString where = address.toString() + QLatin1Char(':') + QString::number(port);
   if (!listenOn(address, port, &error)) {
     status_ = QStringLiteral("Off: ") + where + QStringLiteral(" ") + error;
-    log_.line(("Rig sharing: the " + name_ + " server is off: " + where + " " + error).toStdString());
-    emit changed();
+    log_.line(("Rig sharing: the " + name() + " server is off: " + where + " " + error).toStdString());
+    publish();
     return false;
   }
   listening_ = true;
   port_ = port;
   status_ = QStringLiteral("Listening on ") + where;
-  log_.line(("Rig sharing: the " + name_ + " server listens on " + where).toStdString());
+  log_.line(("Rig sharing: the " + name() + " server listens on " + where).toStdString());
   if (!address.isLoopback()) {
     // Every start says so: there is no password on either protocol.
     const QString warning = QStringLiteral("not only this computer: anyone who can reach ") + where +
                             QStringLiteral(" can tune the radio and key the transmitter");
     status_ += QStringLiteral(", ") + warning;
-    log_.line(("Rig sharing: the " + name_ + " server listens on " + warning).toStdString());
+    log_.line(("Rig sharing: the " + name() + " server listens on " + warning).toStdString());
   }
-  emit changed();
+  publish();
   return true;
 }
 
@@ -81,45 +82,45 @@ void ShareServer::stop() {
   port_ = 0;
   clients_.clear();
   if (was) status_ = QStringLiteral("Off");
-  emit changed();
+  publish();
 }
 
 void ShareServer::clientConnected(QTcpSocket* socket) {
   ShareClient c{peer(socket), QDateTime()};
   clients_[socket] = c;
-  log_.line(("Rig sharing: " + name_ + " client " + c.address + " connected").toStdString());
-  emit changed();
+  log_.line(("Rig sharing: " + name() + " client " + c.address + " connected").toStdString());
+  publish();
 }
 
 void ShareServer::clientHeard(QTcpSocket* socket) {
   const auto it = clients_.find(socket);
   if (it == clients_.end()) return;
   it->second.lastCommand = QDateTime::currentDateTime();
-  emit changed();
+  publish();
 }
 
 void ShareServer::clientGone(QTcpSocket* socket) {
   const auto it = clients_.find(socket);
   if (it == clients_.end()) return;
-  log_.line(("Rig sharing: " + name_ + " client " + it->second.address + " disconnected").toStdString());
+  log_.line(("Rig sharing: " + name() + " client " + it->second.address + " disconnected").toStdString());
   clients_.erase(it);
-  emit changed();
+  publish();
 }
 
 void ShareServer::dropClient(QTcpSocket* socket, const QString& why) {
   const auto it = clients_.find(socket);
   const QString who = it != clients_.end() ? it->second.address : peer(socket);
-  log_.line(("Rig sharing: " + name_ + " client " + who + " dropped: " + why).toStdString());
+  log_.line(("Rig sharing: " + name() + " client " + who + " dropped: " + why).toStdString());
   if (it != clients_.end()) clients_.erase(it);
-  emit changed();
+  publish();
   socket->abort();
 }
 
 // ------------------------------------------------------------------ rigctld protocol
 
-RigctlServer::RigctlServer(share::SharedRig& rig, share::RigctlOptions options, platform::ConsoleLog& log,
-                           QObject* parent)
-    : ShareServer(QStringLiteral("rigctld"), log, parent), rig_(rig), options_(std::move(options)) {
+RigctlServer::RigctlServer(share::SharedRig& rig, share::RigctlOptions options, ShareServerState& state,
+                           platform::ConsoleLog& log, QObject* parent)
+    : ShareServer(state, log, parent), rig_(rig), options_(std::move(options)) {
   connect(&server_, &QTcpServer::newConnection, this, &RigctlServer::accept);
 }
 
@@ -387,8 +388,9 @@ class FlrigServer::Http : public QTcpServer {
   std::map<QTcpSocket*, Connection> connections_;
 };
 
-FlrigServer::FlrigServer(share::SharedRig& rig, share::FlrigOptions options, platform::ConsoleLog& log, QObject* parent)
-    : ShareServer(QStringLiteral("flrig XML-RPC"), log, parent), rig_(rig), options_(std::move(options)) {}
+FlrigServer::FlrigServer(share::SharedRig& rig, share::FlrigOptions options, ShareServerState& state,
+                         platform::ConsoleLog& log, QObject* parent)
+    : ShareServer(state, log, parent), rig_(rig), options_(std::move(options)) {}
 
 FlrigServer::~FlrigServer() = default;
 
@@ -417,53 +419,12 @@ void FlrigServer::radioAnswered() {
 
 namespace tolvane::desktop {
 
-ShareConfig ShareConfig::load(const platform::SettingsStore& settings) {
-  ShareConfig c;
-  auto text = [&settings](const char* key) { return QString::fromStdString(settings.value(key).value_or("")); };
-  auto port = [&text](const char* key, int fallback) {
-    bool ok = false;
-    const int n = text(key).toInt(&ok);
-    return ok && n > 0 && n <= 65535 ? n : fallback;
-  };
-  c.rigctldOn = text("shareRigctld") != QLatin1String("0");
-  c.flrigOn = text("shareFlrig") != QLatin1String("0");
-  c.rigctldPort = port("shareRigctldPort", c.rigctldPort);
-  c.flrigPort = port("shareFlrigPort", c.flrigPort);
-  if (!QHostAddress(text("shareAddress")).isNull()) c.address = text("shareAddress");
-  if (!text("shareTransceiver").trimmed().isEmpty()) c.transceiver = text("shareTransceiver").trimmed();
-  c.allowedClients = text("shareAllowedClients").trimmed();
-  return c;
-}
-
-void ShareConfig::save(platform::SettingsStore& settings) const {
-  settings.setValue("shareRigctld", rigctldOn ? "1" : "0");
-  settings.setValue("shareFlrig", flrigOn ? "1" : "0");
-  settings.setValue("shareRigctldPort", std::to_string(rigctldPort));
-  settings.setValue("shareFlrigPort", std::to_string(flrigPort));
-  settings.setValue("shareAddress", address.toStdString());
-  settings.setValue("shareTransceiver", transceiver.toStdString());
-  settings.setValue("shareAllowedClients", allowedClients.trimmed().toStdString());
-}
-
-QList<QHostAddress> ShareConfig::allowedAddresses(bool* ok) const {
-  QList<QHostAddress> out;
-  if (ok) *ok = true;
-  static const QRegularExpression separators(QStringLiteral("[\\s,]+"));
-  for (const QString& part : allowedClients.split(separators, Qt::SkipEmptyParts)) {
-    const QHostAddress a(part);
-    if (a.isNull()) {
-      if (ok) *ok = false;
-      continue;
-    }
-    out.push_back(a);
-  }
-  return out;
-}
-
 void applyShareConfig(const ShareConfig& config, RigctlServer& rigctld, FlrigServer& flrig) {
   const QHostAddress address(config.address);
-  rigctld.setAllowedClients(config.allowedAddresses());
-  flrig.setAllowedClients(config.allowedAddresses());
+  QList<QHostAddress> allowed;
+  for (const QString& a : config.allowedAddresses()) allowed.push_back(QHostAddress(a));
+  rigctld.setAllowedClients(allowed);
+  flrig.setAllowedClients(allowed);
   rigctld.start(address, config.rigctldOn ? static_cast<quint16>(config.rigctldPort) : 0);
   flrig.setTransceiverName(config.transceiver.toStdString());
   flrig.start(address, config.flrigOn ? static_cast<quint16>(config.flrigPort) : 0);

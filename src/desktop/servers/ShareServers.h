@@ -3,7 +3,6 @@
 // state. They hold no rule of their own: every request goes to src/share/.
 #pragma once
 
-#include <QDateTime>
 #include <QHostAddress>
 #include <QObject>
 #include <QTcpServer>
@@ -12,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "desktop/servers/Sharing.h"
 #include "platform/Platform.h"
 #include "share/FlrigMethods.h"
 #include "share/RigctlSession.h"
@@ -20,18 +20,14 @@ class QTcpSocket;
 
 namespace tolvane::desktop {
 
-// A program connected now, as the Connection page lists it.
-struct ShareClient {
-  QString address;  // "127.0.0.1:53422"
-  QDateTime lastCommand;
-};
-
-// What both servers have in common: their listening state and their clients.
+// What both servers have in common: their listening state and their clients,
+// reported to the state object the Connection page watches.
 class ShareServer : public QObject {
   Q_OBJECT
  public:
-  ShareServer(QString name, platform::ConsoleLog& log, QObject* parent);
-  const QString& name() const { return name_; }
+  ShareServer(ShareServerState& state, platform::ConsoleLog& log, QObject* parent);
+  ShareServerState& state() const { return *state_; }
+  const QString& name() const { return state_->name(); }
   // "Listening on 127.0.0.1:4532", "Off", or why it could not start.
   QString status() const { return status_; }
   bool listening() const { return listening_; }
@@ -52,11 +48,10 @@ class ShareServer : public QObject {
   // Bytes a client may leave unread before it is dropped.
   static constexpr qint64 kMaxUnread = 1 << 20;
 
- signals:
-  void changed();
-
  protected:
   virtual bool listenOn(const QHostAddress& address, quint16 port, QString* error) = 0;
+  // Hands the state over to the page's state object.
+  void publish();
   void clientConnected(QTcpSocket* socket);
   void clientHeard(QTcpSocket* socket);
   void clientGone(QTcpSocket* socket);
@@ -67,7 +62,7 @@ class ShareServer : public QObject {
 
  private:
   QList<QHostAddress> allowed_;
-  QString name_;
+  ShareServerState* state_;
   QString status_ = QStringLiteral("Off");
   bool listening_ = false;
   quint16 port_ = 0;
@@ -77,7 +72,7 @@ class ShareServer : public QObject {
 class RigctlServer : public ShareServer {
   Q_OBJECT
  public:
-  RigctlServer(share::SharedRig& rig, share::RigctlOptions options, platform::ConsoleLog& log,
+  RigctlServer(share::SharedRig& rig, share::RigctlOptions options, ShareServerState& state, platform::ConsoleLog& log,
                QObject* parent = nullptr);
   ~RigctlServer() override;
   void stop() override;
@@ -104,7 +99,8 @@ class FlrigServer : public ShareServer {
   // The largest request body taken; a larger request gets "413" and is dropped.
   static constexpr qint64 kMaxBody = 1 << 20;
 
-  FlrigServer(share::SharedRig& rig, share::FlrigOptions options, platform::ConsoleLog& log, QObject* parent = nullptr);
+  FlrigServer(share::SharedRig& rig, share::FlrigOptions options, ShareServerState& state, platform::ConsoleLog& log,
+              QObject* parent = nullptr);
   ~FlrigServer() override;
   void stop() override;
   void setTransceiverName(const std::string& name) { options_.transceiver = name; }
@@ -123,24 +119,6 @@ class FlrigServer : public ShareServer {
 }  // namespace tolvane::desktop
 
 namespace tolvane::desktop {
-
-// The sharing preferences, kept in the settings store as text.
-struct ShareConfig {
-  bool rigctldOn = true;
-  int rigctldPort = 4532;
-  bool flrigOn = true;
-  int flrigPort = 12345;
-  QString address = QStringLiteral("127.0.0.1");
-  QString transceiver = QStringLiteral("Transceiver");
-  // Client addresses served, separated by blanks or commas; empty: all.
-  QString allowedClients;
-
-  static ShareConfig load(const platform::SettingsStore& settings);
-  void save(platform::SettingsStore& settings) const;
-  bool loopbackOnly() const { return QHostAddress(address).isLoopback(); }
-  // The allowed client addresses; false in `ok` when one is not an address.
-  QList<QHostAddress> allowedAddresses(bool* ok = nullptr) const;
-};
 
 // Starts, stops or moves both servers to match the configuration.
 void applyShareConfig(const ShareConfig& config, RigctlServer& rigctld, FlrigServer& flrig);

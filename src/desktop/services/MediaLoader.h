@@ -1,25 +1,18 @@
 // Sounds and the voice guide for the rest of the program, served by the
-// sounds-and-speech module (MediaModule.h) once it is loaded.
-//
-// The module's file is loaded on a worker thread (its libraries' loading and
-// relocation take milliseconds the window's thread should not wait for);
-// the module's objects are then made on the window's thread. load() starts
-// this; so does the first sound or utterance asked for. Whatever is asked
-// before the module is ready waits in one queue and goes out, in the order
-// asked, the moment it is; after that every call goes straight through. A
+// sounds-and-speech module (MediaModule.h) once it is loaded (ModuleLoader.h:
+// on a worker thread, what is asked before it is ready waits in order). A
 // module that cannot be loaded means silence, as with no audio device, and
 // one line on the console log.
 #pragma once
 
 #include <QObject>
 #include <QString>
-#include <deque>
 #include <functional>
-#include <future>
 #include <memory>
 #include <string>
 
 #include "desktop/services/MediaModule.h"
+#include "desktop/services/ModuleLoader.h"
 #include "platform/Platform.h"
 
 namespace tolvane::desktop {
@@ -27,13 +20,8 @@ namespace tolvane::desktop {
 class MediaLoader : public QObject, public platform::Sounds, public platform::Speech {
   Q_OBJECT
  public:
-  // What the worker thread hands back: the module's entry, or why there is none.
-  struct Found {
-    OpenMediaModule open = nullptr;
-    std::string problem;
-  };
-  // Finds the entry; runs on the worker thread.
-  using Find = std::function<Found()>;
+  using Found = ModuleLoader::Found;
+  using Find = ModuleLoader::Find;
 
   // Loads the module file at `modulePath`.
   MediaLoader(QString modulePath, QString soundsDirectory, platform::ConsoleLog& log, QObject* parent = nullptr);
@@ -42,8 +30,8 @@ class MediaLoader : public QObject, public platform::Sounds, public platform::Sp
   ~MediaLoader() override;
 
   // Starts loading the module, if it is not loading or loaded already.
-  void load();
-  bool ready() const { return module_ != nullptr; }
+  void load() { loader_.load(); }
+  bool ready() const { return loader_.ready(); }
 
   void playResource(const std::string& name) override;
   void playSystem(const std::string& name) override;
@@ -55,15 +43,9 @@ class MediaLoader : public QObject, public platform::Sounds, public platform::Sp
 
  private:
   void ask(std::function<void(MediaModule&)> call);
-  void found(Found result);
 
-  Find find_;
-  QString soundsDirectory_;
-  platform::ConsoleLog& log_;
-  std::future<void> worker_;
+  ModuleLoader loader_;
   std::unique_ptr<MediaModule> module_;
-  std::deque<std::function<void(MediaModule&)>> waiting_;
-  bool failed_ = false;
 };
 
 // The entry of the module file at `path`, loaded with its libraries.

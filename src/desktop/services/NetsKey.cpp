@@ -1,54 +1,43 @@
 #include "desktop/services/NetsKey.h"
 
-#include <qt6keychain/keychain.h>
+#include <QPointer>
 
 namespace tolvane::desktop {
 
-namespace {
+NetsKey::NetsKey(Keyring& keyring, QObject* parent) : QObject(parent), keyring_(keyring) {}
 
-// A missing entry is not a fault; every other error means no usable keyring.
-bool keyringMissing(QKeychain::Error e) { return e != QKeychain::NoError && e != QKeychain::EntryNotFound; }
-
-}  // namespace
-
-NetsKey::NetsKey(QObject* parent) : QObject(parent) {}
-
-void NetsKey::run(QKeychain::Job* job, const std::function<void(QKeychain::Job&)>& done) {
-  job->setKey(QString::fromLatin1(kEntry));
-  job->setAutoDelete(true);
-  job->setInsecureFallback(false);  // never a plain-text copy on disk
-  connect(job, &QKeychain::Job::finished, this, [this, job, done] {
-    if (keyringMissing(job->error())) {
-      runOnly_ = true;
-      problem_ = job->errorString();
-    }
-    if (done) done(*job);
-    emit stateChanged();
-  });
-  job->start();
+void NetsKey::heard(const Keyring::Answer& answer) {
+  if (!answer.reached) {
+    runOnly_ = true;
+    problem_ = answer.problem;
+  }
 }
 
 void NetsKey::load() {
-  auto* job = new QKeychain::ReadPasswordJob(QString::fromLatin1(kService), this);
-  run(job, [this, job](QKeychain::Job&) {
-    if (job->error() == QKeychain::NoError) key_ = job->textData();
-    emit loaded(key_);
-  });
+  keyring_.read(QString::fromLatin1(kService), QString::fromLatin1(kEntry),
+                [self = QPointer<NetsKey>(this)](const Keyring::Answer& a) {
+                  if (!self) return;
+                  self->heard(a);
+                  // A key stored while the read waited is the newer one.
+                  if (a.reached && !self->storedHere_) self->key_ = a.key;
+                  emit self->loaded(self->key_);
+                  emit self->stateChanged();
+                });
 }
 
 void NetsKey::store(const QString& key) {
   key_ = key;
+  storedHere_ = true;
   if (runOnly_) {
     emit stateChanged();
     return;
   }
-  if (key.isEmpty()) {
-    run(new QKeychain::DeletePasswordJob(QString::fromLatin1(kService), this), {});
-    return;
-  }
-  auto* write = new QKeychain::WritePasswordJob(QString::fromLatin1(kService), this);
-  write->setTextData(key);
-  run(write, {});
+  keyring_.write(QString::fromLatin1(kService), QString::fromLatin1(kEntry), key,
+                 [self = QPointer<NetsKey>(this)](const Keyring::Answer& a) {
+                   if (!self) return;
+                   self->heard(a);
+                   emit self->stateChanged();
+                 });
 }
 
 QString NetsKey::stateText() const {

@@ -5,11 +5,8 @@
 
 #include <QObject>
 #include <QString>
-#include <functional>
 
-namespace QKeychain {
-class Job;
-}
+#include "desktop/services/StoreModule.h"
 
 namespace tolvane::desktop {
 
@@ -20,7 +17,7 @@ class NetsKey : public QObject {
   static constexpr const char* kService = "org.tolvane.Tolvane";
   static constexpr const char* kEntry = "nets-user-key";
 
-  explicit NetsKey(QObject* parent = nullptr);
+  explicit NetsKey(Keyring& keyring, QObject* parent = nullptr);
 
   // Reads the kept key; loaded() follows, with the empty text when there is none.
   void load();
@@ -38,12 +35,13 @@ class NetsKey : public QObject {
   void stateChanged();
 
  private:
-  // Starts a keyring job on the key's entry; a keyring that cannot be reached
-  // makes the key last for this run only.
-  void run(QKeychain::Job* job, const std::function<void(QKeychain::Job&)>& done);
+  // A keyring that cannot be reached makes the key last for this run only.
+  void heard(const Keyring::Answer& answer);
 
+  Keyring& keyring_;
   QString key_;
   bool runOnly_ = false;
+  bool storedHere_ = false;
   QString problem_;
 };
 

@@ -286,7 +286,11 @@ std::future<std::vector<QString>>& prefetchedNames() {
 
 }  // namespace
 
-void QtPortManager::prefetchSystemPorts() { prefetchedNames() = std::async(std::launch::async, systemPortNames); }
+void QtPortManager::prefetchSystemPorts() {
+  std::promise<std::vector<QString>> names;
+  names.set_value(systemPortNames());
+  prefetchedNames() = names.get_future();
+}
 
 QtPortManager::QtPortManager(QObject* parent)
     : QObject(parent),

@@ -112,8 +112,8 @@ class QtPortManager : public QObject, public platform::PortManager {
   explicit QtPortManager(QObject* parent = nullptr);
   ~QtPortManager() override;
 
-  // Starts reading the system's port list on a worker thread, so that the
-  // program's start-up runs alongside it; the next QtPortManager takes it.
+  // Reads the system's port list for the next QtPortManager to take; called
+  // on a worker thread, so that the program's start-up runs alongside it.
   static void prefetchSystemPorts();
 
   std::vector<platform::SerialPortPtr> availablePorts() override;

@@ -1,5 +1,5 @@
 // Qt implementations of the small platform services: timers, settings,
-// speech, desktop notifications, HTTP, the browser, alerts and the console log.
+// desktop notifications, the browser, alerts and the console log.
 #pragma once
 
 #include <QObject>
@@ -19,8 +19,6 @@
 
 #include "platform/Platform.h"
 
-class QNetworkAccessManager;
-class QNetworkReply;
 class QWidget;
 class QSettings;
 
@@ -90,35 +88,6 @@ class QtNotifications : public QObject, public platform::Notifications {
   std::uint32_t nextId_ = 1;
   std::map<std::uint32_t, std::uint32_t> serverIds_;  // ours -> server's
   std::map<std::uint32_t, bool> removeOnArrival_;
-};
-
-class QtHttpClient : public QObject, public platform::HttpClient {
-  Q_OBJECT
- public:
-  explicit QtHttpClient(QObject* parent = nullptr);
-  ~QtHttpClient() override;
-  void send(const platform::HttpRequest& request, std::function<void(const platform::HttpResponse&)> done) override;
-  // The first https request of a run loads the TLS back end (a plug-in, the
-  // OpenSSL libraries and their configuration): tens of milliseconds that the
-  // set-up routine's first fetch would spend before the window is on screen.
-  // This starts loading it on a worker thread; a request sent before that is
-  // done waits for it inside Qt, as it would have anyway.
-  void loadTlsInBackground();
-  // Answers that arrive while held wait (in the order they came) until
-  // release(): an answer handled before the window's first frame would hold
-  // that frame back by its decoding (500 POTA spots: tens of milliseconds).
-  // An answer is only ever handled some time after it was asked for, so a
-  // few milliseconds more change nothing the program does with it.
-  void holdAnswers() { held_ = true; }
-  void release();
-
- private:
-  QNetworkAccessManager* nam_;
-  std::future<void> tlsLoaded_;
-  static void deliver(QNetworkReply* reply, const std::function<void(const platform::HttpResponse&)>& done);
-
-  bool held_ = false;
-  std::vector<std::function<void()>> waiting_;
 };
 
 class QtBrowser : public platform::Browser {

@@ -22,13 +22,6 @@ QString soundsDirectory() {
   return QStringLiteral(TOLVANE_SOUNDS_DIR);
 }
 
-QString mediaModulePath() {
-  const QString name = QStringLiteral("libtolvane-media.so");
-  const QString bin = QCoreApplication::applicationDirPath();
-  if (QFileInfo::exists(bin + '/' + name)) return bin + '/' + name;
-  return QDir::cleanPath(bin + QStringLiteral("/" TOLVANE_MODULE_DIR "/") + name);
-}
-
 QString manualPath() {
   const QString data = dataDirectory();
   if (!data.isEmpty()) {

@@ -18,10 +18,6 @@ QString dataDirectory();
 // source tree's resources/Sounds.
 QString soundsDirectory();
 
-// The sounds-and-speech module (libtolvane-media.so): beside the program in a
-// build folder, in the installed lib folder's tolvane/ otherwise.
-QString mediaModulePath();
-
 // The operator's manual (manual.md), installed or in the source tree.
 QString manualPath();
 

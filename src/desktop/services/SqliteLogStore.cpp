@@ -8,7 +8,6 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QStandardPaths>
 #include <QVariant>
 
 namespace tolvane::desktop {
@@ -63,10 +62,6 @@ bool transaction(QSqlDatabase db, std::string& error, Work work) {
 }
 
 }  // namespace
-
-QString SqliteLogStore::defaultPath() {
-  return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + QStringLiteral("/log.sqlite");
-}
 
 SqliteLogStore::SqliteLogStore(const QString& path)
     : connection_(QStringLiteral("tolvane-log-%1").arg(reinterpret_cast<quintptr>(this))) {

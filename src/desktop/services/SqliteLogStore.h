@@ -18,8 +18,6 @@ class SqliteLogStore : public platform::LogStore {
   SqliteLogStore(const SqliteLogStore&) = delete;
   SqliteLogStore& operator=(const SqliteLogStore&) = delete;
 
-  // The log file of the program: log.sqlite in its data folder.
-  static QString defaultPath();
   // Why the file could not be opened; "" when it is open.
   const std::string& openError() const { return openError_; }
 

@@ -12,12 +12,13 @@
 namespace tolvane::desktop {
 
 LogDesk::LogDesk(MainWindow& window, Binder& binder, SerialPortDemoController& controller, platform::Files& files,
-                 platform::Alerts& alerts, QString path)
+                 platform::Alerts& alerts, OpenStore open, QString path)
     : window_(window),
       binder_(binder),
       controller_(controller),
       files_(files),
       alerts_(alerts),
+      open_(std::move(open)),
       path_(std::move(path)) {
   connect(&window, &MainWindow::logPageWanted, this, [this] { page(); });
   connect(&window, &MainWindow::logContactRequested, this, [this] { logContact(); });
@@ -38,7 +39,7 @@ LogDesk::~LogDesk() {
 
 bool LogDesk::openBook() {
   if (book_) return openError_.empty();
-  store_ = std::make_unique<SqliteLogStore>(path_);
+  store_ = open_(path_);
   book_ = std::make_unique<log::LogBook>(*store_);
   if (!book_->open(openError_) && openError_.empty()) openError_ = "The log could not be read.";
   // A contact logged, edited, deleted or imported changes what was worked.

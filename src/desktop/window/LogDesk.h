@@ -7,11 +7,13 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <functional>
 #include <memory>
+#include <string>
 
-#include "desktop/services/SqliteLogStore.h"
 #include "desktop/window/LogPage.h"
 #include "log/LogBook.h"
+#include "platform/LogStore.h"
 
 namespace tolvane {
 class SerialPortDemoController;
@@ -25,8 +27,12 @@ class MainWindow;
 class LogDesk : public QObject {
   Q_OBJECT
  public:
+  // Opens the log file at a path (a file that cannot be used says why when
+  // the book first reads it).
+  using OpenStore = std::function<std::unique_ptr<platform::LogStore>(const QString& path)>;
+
   LogDesk(MainWindow& window, Binder& binder, SerialPortDemoController& controller, platform::Files& files,
-          platform::Alerts& alerts, QString path = SqliteLogStore::defaultPath());
+          platform::Alerts& alerts, OpenStore open, QString path);
   ~LogDesk() override;
 
   // The page (made, and the log opened, on the first call).
@@ -43,8 +49,9 @@ class LogDesk : public QObject {
   SerialPortDemoController& controller_;
   platform::Files& files_;
   platform::Alerts& alerts_;
+  OpenStore open_;
   QString path_;
-  std::unique_ptr<SqliteLogStore> store_;
+  std::unique_ptr<platform::LogStore> store_;
   std::unique_ptr<log::LogBook> book_;
   QPointer<LogPage> page_;
   std::string openError_;

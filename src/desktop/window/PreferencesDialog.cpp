@@ -4,7 +4,6 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QHostAddress>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -196,7 +195,7 @@ ShareConfig PreferencesDialog::shareConfig() const {
 
 QString PreferencesDialog::problem() const {
   const ShareConfig c = shareConfig();
-  if (QHostAddress(c.address).isNull())
+  if (!isHostAddress(c.address))
     return QStringLiteral("Rig sharing: \"%1\" is not an IP address, such as 127.0.0.1.").arg(c.address);
   if (c.rigctldOn && c.flrigOn && c.rigctldPort == c.flrigPort)
     return QStringLiteral("Rig sharing: the two servers cannot share port %1.").arg(c.rigctldPort);
@@ -217,7 +216,7 @@ QString PreferencesDialog::problem() const {
 
 void PreferencesDialog::check() {
   const ShareConfig c = shareConfig();
-  addressWarning_->setVisible(!QHostAddress(c.address).isNull() && !c.loopbackOnly());
+  addressWarning_->setVisible(isHostAddress(c.address) && !c.loopbackOnly());
   const QString why = problem();
   problemLabel_->setText(why);
   problemLabel_->setVisible(!why.isEmpty());

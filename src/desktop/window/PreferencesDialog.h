@@ -7,7 +7,7 @@
 #include <QDialog>
 #include <vector>
 
-#include "desktop/servers/ShareServers.h"
+#include "desktop/servers/Sharing.h"
 #include "platform/Platform.h"
 
 class QCheckBox;

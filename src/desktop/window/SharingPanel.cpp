@@ -7,15 +7,15 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "desktop/servers/ShareServers.h"
+#include "desktop/servers/Sharing.h"
 
 namespace tolvane::desktop {
 
-SharingPanel::SharingPanel(std::vector<ShareServer*> servers, QWidget* parent)
+SharingPanel::SharingPanel(std::vector<ShareServerState*> servers, QWidget* parent)
     : QGroupBox(QStringLiteral("Rig sharing"), parent), servers_(std::move(servers)) {
   auto* v = new QVBoxLayout(this);
   auto* form = new QFormLayout;
-  for (ShareServer* s : servers_) {
+  for (ShareServerState* s : servers_) {
     auto* label = new QLabel;
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     form->addRow(s->name() + QStringLiteral(" server:"), label);
@@ -35,8 +35,8 @@ SharingPanel::SharingPanel(std::vector<ShareServer*> servers, QWidget* parent)
   pending_->setSingleShot(true);
   pending_->setInterval(250);
   connect(pending_, &QTimer::timeout, this, &SharingPanel::refresh);
-  for (ShareServer* s : servers_)
-    connect(s, &ShareServer::changed, this, [this] {
+  for (ShareServerState* s : servers_)
+    connect(s, &ShareServerState::changed, this, [this] {
       if (!pending_->isActive()) pending_->start();
     });
   refresh();
@@ -46,7 +46,7 @@ void SharingPanel::refresh() {
   pending_->stop();
   clients_->clear();
   for (std::size_t i = 0; i < servers_.size(); ++i) {
-    const ShareServer* s = servers_[i];
+    const ShareServerState* s = servers_[i];
     states_[i]->setText(s->status());
     for (const ShareClient& c : s->clients()) {
       const QString last =

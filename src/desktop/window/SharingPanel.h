@@ -11,19 +11,19 @@ class QTimer;
 
 namespace tolvane::desktop {
 
-class ShareServer;
+class ShareServerState;
 
 class SharingPanel : public QGroupBox {
   Q_OBJECT
  public:
-  SharingPanel(std::vector<ShareServer*> servers, QWidget* parent = nullptr);
+  SharingPanel(std::vector<ShareServerState*> servers, QWidget* parent = nullptr);
   // Shows the servers' state now (otherwise at most four times a second).
   void refresh();
   QString statusText(int server) const;
   int clientRows() const;
 
  private:
-  std::vector<ShareServer*> servers_;
+  std::vector<ShareServerState*> servers_;
   std::vector<QLabel*> states_;
   QTreeWidget* clients_;
   QTimer* pending_;
