@@ -31,18 +31,24 @@ struct WindowTest : ::testing::Test {
 };
 
 TEST_F(WindowTest, EveryControlOfTheModelIsPlacedOnItsPage) {
-  // Only the Connection page is built with the window; the other pages and
-  // the radio's menu pages wait, and their controls have no widget yet.
+  // Only the Connection page is built with the window; the controls of the
+  // other pages have no widget until their page is chosen.
   EXPECT_TRUE(binder.hasWidget("openCloseButton"));
   for (const std::string& o : window.unplacedOutlets()) {
     const ui::Control& c = rig.at(o);
     ASSERT_FALSE(c.tabView() == &rig.at("mainTab") && c.page() == 0) << o;
     EXPECT_FALSE(binder.hasWidget(o)) << o;
   }
-  window.buildAllPages();
-  EXPECT_TRUE(window.unplacedOutlets().empty()) << window.unplacedOutlets().front();
+  // Every page chosen once, as the operator would, the radio's menu pages too.
+  window.show();
   auto* tabs = w<QTabWidget>("mainTab");
-  ASSERT_EQ(tabs->count(), static_cast<int>(rig.at("mainTab").entries().size()));
+  ASSERT_EQ(tabs->count(), 7);
+  for (int i = 0; i < tabs->count(); ++i) tabs->setCurrentIndex(i);
+  auto* menus = w<QTabWidget>("settingsTab");
+  ASSERT_EQ(menus->count(), 4);
+  tabs->setCurrentIndex(kPageSettings);
+  for (int i = 0; i < menus->count(); ++i) menus->setCurrentIndex(i);
+  EXPECT_TRUE(window.unplacedOutlets().empty()) << window.unplacedOutlets().front();
   // Each control sits inside the page of mainTab the model puts it on.
   for (const auto& c : rig.window.controls()) {
     if (c->tabView() != &rig.at("mainTab")) continue;
@@ -53,22 +59,39 @@ TEST_F(WindowTest, EveryControlOfTheModelIsPlacedOnItsPage) {
   EXPECT_GE(window.minimumWidth(), 800);
 }
 
-// The first frame waits for the start page only: the other pages are built
-// in the event loop's turns after it, before they are ever shown, and the
-// radio's menu pages still wait to be shown.
-TEST_F(WindowTest, PagesOtherThanTheStartPageAreBuiltAfterTheFirstFrame) {
-  const std::pair<const char*, int> onPages[] = {
-      {"tlFreqAButton", 1}, {"memoriesTable", 2}, {"readMessagesButton", 3}, {"settingsTab", 4}, {"potaTable", 5}};
-  for (auto [o, page] : onPages) EXPECT_FALSE(binder.hasWidget(o)) << o;
+// The first frame and the idle program hold the start page only: a page is
+// built when it is first shown, by the program or by the keyboard, and then
+// shows what its controls hold by then.
+TEST_F(WindowTest, APageIsBuiltWhenFirstShownWithWhatItsControlsHold) {
+  const char* elsewhere[] = {"tlFreqAButton", "memoriesTable", "readMessagesButton", "settingsTab", "potaTable"};
   bool painted = false;
   QObject::connect(&window, &MainWindow::firstPainted, [&] { painted = true; });
   window.show();
+  QApplication::setActiveWindow(&window);
   ASSERT_TRUE(QTest::qWaitFor([&] { return painted; }));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return binder.hasWidget("potaTable"); }));
+  QTest::qWait(50);
+  for (const char* o : elsewhere) EXPECT_FALSE(binder.hasWidget(o)) << o;
+
+  // The radio reports while the Operate page has no widgets; the switch to
+  // that page shows the report.
+  rig.openPort();
+  rig.receive("FA014075000;");
+  EXPECT_FALSE(binder.hasWidget("tlFreqAButton"));
+  rig.at("mainTab").selectIndex(kPageOperate);
   auto* tabs = w<QTabWidget>("mainTab");
-  EXPECT_EQ(tabs->currentIndex(), 0);
-  for (auto [o, page] : onPages) EXPECT_TRUE(tabs->widget(page)->isAncestorOf(binder.widget(o))) << o;
-  EXPECT_FALSE(binder.hasWidget("menu2010101PopUp"));
+  ASSERT_TRUE(binder.hasWidget("tlFreqAButton"));
+  EXPECT_TRUE(tabs->widget(kPageOperate)->isAncestorOf(w<QPushButton>("tlFreqAButton")));
+  EXPECT_TRUE(w<QPushButton>("tlFreqAButton")->isVisible());
+  EXPECT_EQ(w<QPushButton>("tlFreqAButton")->text(), "14.075.000");
+  EXPECT_FALSE(binder.hasWidget("memoriesTable"));
+
+  // Ctrl+3 is the keyboard's way to the Memories page.
+  QTest::keyClick(&window, Qt::Key_3, Qt::ControlModifier);
+  EXPECT_EQ(tabs->currentIndex(), 2);
+  ASSERT_TRUE(binder.hasWidget("memoriesTable"));
+  EXPECT_TRUE(w<QWidget>("memoriesTable")->isVisible());
+  EXPECT_FALSE(binder.hasWidget("potaTable"));
+  EXPECT_FALSE(binder.hasWidget("settingsTab"));
 }
 
 TEST_F(WindowTest, TabMovesThroughTheOperatingPanelInReadingOrder) {

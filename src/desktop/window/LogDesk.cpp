@@ -64,9 +64,11 @@ LogPage* LogDesk::page() {
 void LogDesk::logContact() {
   std::string table;
   int row = -1;
+  // The spot chosen on the Spots page, when that page is the one shown (the
+  // page is asked for its lists only then: asking would build it).
   auto* tabs = binder_.widgetAs<QTabWidget>("mainTab");
-  auto* spots = binder_.widgetAs<QTabWidget>("spotsTab");
-  if (tabs && spots && tabs->currentIndex() == kPageSpots && spots->currentIndex() <= 1) {
+  auto* spots = tabs && tabs->currentIndex() == kPageSpots ? binder_.widgetAs<QTabWidget>("spotsTab") : nullptr;
+  if (spots && spots->currentIndex() <= 1) {
     table = spots->currentIndex() == 0 ? "potaTable" : "sotaTable";
     if (auto* view = binder_.widgetAs<QTableView>(table); view && view->selectionModel())
       if (const QModelIndex current = view->selectionModel()->currentIndex(); current.isValid()) row = current.row();

@@ -29,7 +29,13 @@
 
 namespace tolvane::desktop {
 
-FirstShow::FirstShow(QObject* parent, std::function<void()> build) : QObject(parent), build_(std::move(build)) {}
+FirstShow::FirstShow(QTabWidget* tabs, int index, std::function<void()> build)
+    : QObject(tabs->widget(index)), build_(std::move(build)) {
+  parent()->installEventFilter(this);
+  connect(tabs, &QTabWidget::currentChanged, this, [this, index](int chosen) {
+    if (chosen == index) fire();
+  });
+}
 
 void FirstShow::fire() {
   if (!build_) return;
@@ -82,19 +88,15 @@ MainWindow::MainWindow(Binder& binder, QWidget* parent) : QMainWindow(parent), b
 
   buildMenus();
   // The first frame shows the start page only, so only it is built now. Each
-  // other page is built when it is first shown, or before that in the event
-  // loop's turns after the first frame, one page a turn.
+  // other page is built when it is first shown: a program that stays on the
+  // start page never holds the others' widgets.
   const ui::Control& main = binder_.model().at("mainTab");
   for (int i = 0; i < static_cast<int>(main.entries().size()); ++i) {
-    QWidget* page = tabs->widget(i);
-    if (!page) continue;
-    if (i == Binder::kStartPage) {
+    if (!tabs->widget(i)) continue;
+    if (i == Binder::kStartPage)
       buildPage(i);
-      continue;
-    }
-    auto* watcher = new FirstShow(page, [this, i] { buildPage(i); });
-    page->installEventFilter(watcher);
-    waiting_.push_back(watcher);
+    else
+      new FirstShow(tabs, i, [this, i] { buildPage(i); });
   }
   nameTabStacks(tabs);
   binder_.repaintAll();
@@ -126,18 +128,6 @@ void MainWindow::buildPage(int index) {
   fixFocusOrder();
 }
 
-void MainWindow::buildNextWaitingPage() {
-  auto next = std::find_if(waiting_.begin(), waiting_.end(), [](FirstShow* f) { return f->pending(); });
-  if (next == waiting_.end()) return;
-  (*next)->fire();
-  // The style's polish of the new widgets, done when a page is first shown,
-  // gets a turn of its own now, so showing the page later costs less.
-  QTimer::singleShot(0, this, [this, page = qobject_cast<QWidget*>((*next)->parent())] {
-    if (page) page->ensurePolished();
-    QTimer::singleShot(0, this, [this] { buildNextWaitingPage(); });
-  });
-}
-
 bool MainWindow::event(QEvent* e) {
   const bool handled = QMainWindow::event(e);
   // The first paint of the exposed window draws the whole of it, children
@@ -145,10 +135,7 @@ bool MainWindow::event(QEvent* e) {
   // takes its next event: that is when the window is first seen.
   if (!painted_ && e->type() == QEvent::Paint && windowHandle() && windowHandle()->isExposed()) {
     painted_ = true;
-    QTimer::singleShot(0, this, [this] {
-      emit firstPainted();
-      buildNextWaitingPage();
-    });
+    QTimer::singleShot(0, this, [this] { emit firstPainted(); });
   }
   return handled;
 }

@@ -19,12 +19,13 @@ class QTabWidget;
 
 namespace tolvane::desktop {
 
-// Runs a build step once, the first time the watched widget is shown (or
-// when fire() asks for it sooner).
+// Runs a page's build step once, when the page is first shown or its tab is
+// first chosen (a window not on screen shows nothing, yet its chosen page is
+// built, so what the program switches to exists).
 class FirstShow : public QObject {
   Q_OBJECT
  public:
-  FirstShow(QObject* parent, std::function<void()> build);
+  FirstShow(QTabWidget* tabs, int index, std::function<void()> build);
   void fire();
   bool pending() const { return static_cast<bool>(build_); }
 
@@ -49,9 +50,6 @@ class MainWindow : public QMainWindow {
   std::vector<std::string> unplacedOutlets() const;
   // Adds a section below the radio link on the Connection page.
   void addConnectionSection(QWidget* section);
-  // Builds the pages that wait to be shown first (the pages other than the
-  // one shown at start, and the radio's menu pages).
-  void buildAllPages();
   // Puts the Log page's content on its tab (once; the window owns it).
   void placeLogPage(QWidget* content);
   bool hasLogPage() const { return logPlaced_; }
@@ -86,7 +84,6 @@ class MainWindow : public QMainWindow {
   static QWidget* scrollingContent(QWidget* page);
   static std::vector<std::string> range(const std::string& prefix, int from, int to, const std::string& suffix);
   void buildPage(int index);
-  void buildNextWaitingPage();
   void buildMenus();
   void showAbout();
   void focusFrequencyField();
@@ -107,8 +104,6 @@ class MainWindow : public QMainWindow {
   std::set<std::string> placed_;
   std::vector<QWidget*> focusOrder_;
   bool painted_ = false;
-  // Pages of the main tab view not built yet, in tab order.
-  std::vector<FirstShow*> waiting_;
   QBoxLayout* connectionLayout_ = nullptr;
   bool logPlaced_ = false;
 };

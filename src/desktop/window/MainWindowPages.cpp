@@ -87,22 +87,9 @@ void MainWindow::buildSettingsPage(QWidget* page) {
   // so the window opens without them.
   for (int i = 0; i < tabs->count(); ++i) {
     QWidget* menuPage = tabs->widget(i);
-    auto* watcher = new FirstShow(menuPage, [this, menuPage, i] { buildMenuPage(menuPage, i); });
-    menuPage->installEventFilter(watcher);
+    new FirstShow(tabs, i, [this, menuPage, i] { buildMenuPage(menuPage, i); });
   }
   placeRest(page, "mainTab", kPageSettings, v);
-}
-
-void MainWindow::buildAllPages() {
-  // A page built here may bring pages of its own that wait (the menu pages).
-  for (bool fired = true; fired;) {
-    fired = false;
-    for (FirstShow* f : findChildren<FirstShow*>()) {
-      if (!f->pending()) continue;
-      f->fire();
-      fired = true;
-    }
-  }
 }
 
 // One page of the radio's menu: the read button and a filter on top, then the
