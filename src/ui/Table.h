@@ -18,7 +18,7 @@
 
 namespace tolvane::ui {
 
-enum class CellKind { Text, Link, Button, PopUp };
+enum class CellKind : unsigned char { Text, Link, Button, PopUp };
 
 struct Cell {
   CellKind kind = CellKind::Text;

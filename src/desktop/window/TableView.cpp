@@ -20,6 +20,7 @@ namespace tolvane::desktop {
 
 namespace {
 QString q(const std::string& s) { return QString::fromStdString(s); }
+QString q(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 constexpr const char* kPlainText = "text/plain";
 
 // The name a column answers to ("Return", "Ctrl+Return", "Delete"); "" for other keys.
@@ -43,22 +44,19 @@ TableModel::TableModel(ui::Control& table, QObject* parent) : QAbstractTableMode
 
 void TableModel::fetch() {
   beginResetModel();
-  cells_.clear();
   marks_.clear();
   seenReloads_ = table_.reloadCount();
   seenColumns_ = table_.columns().size();
-  if (ui::TableDataSource* source = table_.dataSource()) {
-    const int rows = std::max(0, source->numberOfRows(table_));
-    cells_.resize(static_cast<std::size_t>(rows));
-    for (int r = 0; r < rows; ++r) {
-      auto& row = cells_[static_cast<std::size_t>(r)];
-      // Exactly one cell a column: a grown vector would keep up to twice the
-      // room, and a list of 500 spots holds its cells for as long as it is shown.
-      row.reserve(table_.columns().size());
-      for (const auto& col : table_.columns()) row.push_back(source->cellFor(table_, col.identifier, r));
-      marks_.push_back(source->rowMarks(table_, r));
-    }
+  ui::TableDataSource* source = table_.dataSource();
+  const int rows = source ? std::max(0, source->numberOfRows(table_)) : 0;
+  cells_.reset(table_.columns().size(), static_cast<std::size_t>(rows));
+  marks_.reserve(static_cast<std::size_t>(rows));
+  for (int r = 0; r < rows; ++r) {
+    for (const auto& col : table_.columns()) cells_.add(source->cellFor(table_, col.identifier, r));
+    marks_.push_back(source->rowMarks(table_, r));
   }
+  // A list of 500 spots keeps its cells for as long as it is shown: no spare room.
+  cells_.shrink();
   endResetModel();
   emit fetched();
 }
@@ -85,27 +83,17 @@ void TableModel::endCall() {
   QTimer::singleShot(0, this, [this] { refresh(); });
 }
 
-const ui::Cell* TableModel::cell(int row, int column) const {
-  if (row < 0 || row >= static_cast<int>(cells_.size())) return nullptr;
-  const auto& cells = cells_[static_cast<std::size_t>(row)];
-  if (column < 0 || column >= static_cast<int>(cells.size())) return nullptr;
-  const auto& c = cells[static_cast<std::size_t>(column)];
-  return c ? &*c : nullptr;
-}
-
 void TableModel::choose(int row, int column, int index) {
-  if (row < 0 || row >= static_cast<int>(cells_.size())) return;
-  auto& cells = cells_[static_cast<std::size_t>(row)];
-  if (column < 0 || column >= static_cast<int>(cells.size()) || !cells[static_cast<std::size_t>(column)]) return;
+  if (!cells_.at(row, column)) return;
   const std::string id = table_.columns()[static_cast<std::size_t>(column)].identifier;
   busy_ = true;
   const bool chosen = ui::chooseInCell(table_, id, row, index);
   endCall();
-  if (chosen) cells[static_cast<std::size_t>(column)]->selected = index;
+  if (chosen) cells_.select(row, column, index);
 }
 
 int TableModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : static_cast<int>(cells_.size());
+  return parent.isValid() ? 0 : static_cast<int>(cells_.rows());
 }
 
 int TableModel::columnCount(const QModelIndex& parent) const {
@@ -113,7 +101,7 @@ int TableModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant TableModel::data(const QModelIndex& index, int role) const {
-  const ui::Cell* c = cell(index.row(), index.column());
+  const auto c = cell(index.row(), index.column());
   if (!c) return {};
   const std::string& marks = marks_[static_cast<std::size_t>(index.row())];
   switch (role) {
@@ -122,8 +110,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
       if (!marks.empty() && c->kind == ui::CellKind::Text) {
         bool first = true;
         for (int col = 0; col < index.column() && first; ++col)
-          if (const ui::Cell* before = cell(index.row(), col); before && before->kind == ui::CellKind::Text)
-            first = false;
+          if (const auto before = cell(index.row(), col); before && before->kind == ui::CellKind::Text) first = false;
         if (first) return QStringLiteral("\u2605 ") + q(c->text);
       }
       [[fallthrough]];
@@ -131,7 +118,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleTextRole:
       if (c->kind == ui::CellKind::PopUp) {
         if (c->selected < 0 || c->selected >= static_cast<int>(c->entries.size())) return QString();
-        return q(c->entries[static_cast<std::size_t>(c->selected)].title);
+        return q(c->entries[static_cast<std::size_t>(c->selected)]);
       }
       return q(c->text);
     case Qt::ToolTipRole:
@@ -172,7 +159,7 @@ Qt::ItemFlags TableModel::flags(const QModelIndex& index) const {
   Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
   if (table_.held()) return f;  // no typing, no dragging while the list is refilled
   f |= Qt::ItemIsDragEnabled | drop;
-  const ui::Cell* c = cell(index.row(), index.column());
+  const auto c = cell(index.row(), index.column());
   if (c && c->kind == ui::CellKind::Text && c->editable) f |= Qt::ItemIsEditable;
   // A pop-up cell is edited from the keyboard (and by assistive technologies)
   // like a text cell: its editor is a list of the pop-up's entries.
@@ -183,7 +170,7 @@ Qt::ItemFlags TableModel::flags(const QModelIndex& index) const {
 bool TableModel::setData(const QModelIndex& index, const QVariant& value, int role) {
   // An invalid value is the view clearing a cell, never the operator typing.
   if (role != Qt::EditRole || !value.isValid() || table_.held()) return false;
-  const ui::Cell* c = cell(index.row(), index.column());
+  const auto c = cell(index.row(), index.column());
   if (c && c->kind == ui::CellKind::PopUp) {
     // An entry's index, or its title typed as text (any case).
     int chosen = -1;
@@ -192,7 +179,7 @@ bool TableModel::setData(const QModelIndex& index, const QVariant& value, int ro
     } else {
       const QString typed = value.toString().trimmed();
       for (std::size_t i = 0; i < c->entries.size(); ++i)
-        if (typed.compare(q(c->entries[i].title), Qt::CaseInsensitive) == 0) chosen = static_cast<int>(i);
+        if (typed.compare(q(c->entries[i]), Qt::CaseInsensitive) == 0) chosen = static_cast<int>(i);
     }
     if (chosen < 0 || chosen >= static_cast<int>(c->entries.size())) return false;
     choose(index.row(), index.column(), chosen);
@@ -209,8 +196,7 @@ bool TableModel::setData(const QModelIndex& index, const QVariant& value, int ro
   ui::editCell(table_, index.row(), index.column(), typed);
   endCall();
   // Until the next reload the cell shows what was typed.
-  auto& kept = cells_[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
-  if (kept) kept->text = typed;
+  cells_.setText(index.row(), index.column(), typed);
   emit dataChanged(index, index);
   return true;
 }
@@ -258,14 +244,14 @@ class CellDelegate : public QStyledItemDelegate {
   CellDelegate(TableModel& model, QObject* parent) : QStyledItemDelegate(parent), model_(model) {}
 
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    const ui::Cell* c = model_.cell(index.row(), index.column());
+    const auto c = model_.cell(index.row(), index.column());
     if (!c || c->kind != ui::CellKind::PopUp) return QStyledItemDelegate::createEditor(parent, option, index);
     auto* box = new QComboBox(parent);
-    for (const auto& e : c->entries) box->addItem(q(e.title));
+    for (const auto& e : c->entries) box->addItem(q(e));
     return box;
   }
   void setEditorData(QWidget* editor, const QModelIndex& index) const override {
-    const ui::Cell* c = model_.cell(index.row(), index.column());
+    const auto c = model_.cell(index.row(), index.column());
     if (auto* box = qobject_cast<QComboBox*>(editor); box && c && c->kind == ui::CellKind::PopUp) {
       box->setCurrentIndex(c->selected);
       return;
@@ -273,7 +259,7 @@ class CellDelegate : public QStyledItemDelegate {
     QStyledItemDelegate::setEditorData(editor, index);
   }
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override {
-    const ui::Cell* c = model_.cell(index.row(), index.column());
+    const auto c = model_.cell(index.row(), index.column());
     if (auto* box = qobject_cast<QComboBox*>(editor); box && c && c->kind == ui::CellKind::PopUp) {
       if (box->currentIndex() != c->selected) model->setData(index, QVariant(box->currentIndex()), Qt::EditRole);
       return;
@@ -282,7 +268,7 @@ class CellDelegate : public QStyledItemDelegate {
   }
 
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    const ui::Cell* c = model_.cell(index.row(), index.column());
+    const auto c = model_.cell(index.row(), index.column());
     if (!c || c->kind != ui::CellKind::Button) {
       QStyledItemDelegate::paint(painter, option, index);
       return;
@@ -309,7 +295,7 @@ class CellDelegate : public QStyledItemDelegate {
   // when it comes up on the same cell; the row is not selected by it.
   bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override {
-    const ui::Cell* c = model_.cell(index.row(), index.column());
+    const auto c = model_.cell(index.row(), index.column());
     if (!c || c->kind != ui::CellKind::Button) return QStyledItemDelegate::editorEvent(event, model, option, index);
     switch (event->type()) {
       case QEvent::MouseButtonPress:
@@ -351,7 +337,7 @@ TableView::TableView(ui::Control& table, QWidget* parent)
   viewport()->setAttribute(Qt::WA_Hover);  // button cells light up under the pointer
   // A choice made from the keyboard shows in the cell's own pop-up too.
   connect(&model_, &TableModel::popUpChosen, this, [this](int row, int column) {
-    const ui::Cell* c = model_.cell(row, column);
+    const auto c = model_.cell(row, column);
     if (auto* box = qobject_cast<QComboBox*>(indexWidget(model_.index(row, column))); box && c)
       box->setCurrentIndex(c->selected);
   });
@@ -377,7 +363,7 @@ TableView::TableView(ui::Control& table, QWidget* parent)
     showSortIndicator();
   });
   connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
-    const ui::Cell* c = model_.cell(index.row(), index.column());
+    const auto c = model_.cell(index.row(), index.column());
     if (c && c->kind == ui::CellKind::Link) {
       const auto& id = model_.control().columns()[static_cast<std::size_t>(index.column())].identifier;
       ui::clickInCell(model_.control(), id, index.row());
@@ -513,15 +499,15 @@ void TableView::placeCellControls() {
   cellControlsStale_ = false;
   for (int r = 0; r < model_.rowCount(); ++r) {
     for (int col = 0; col < model_.columnCount(); ++col) {
-      const ui::Cell* c = model_.cell(r, col);
+      const auto c = model_.cell(r, col);
       if (c && c->kind == ui::CellKind::PopUp) {
         auto* box = new QComboBox;
         box->setObjectName(q(c->outlet));
         // "Mode, M-03": what the pop-up sets, and for which row.
-        const ui::Cell* label = model_.cell(r, 0);
+        const auto label = model_.cell(r, 0);
         const QString column = q(model_.control().columns()[static_cast<std::size_t>(col)].title);
         box->setAccessibleName(label ? column + QStringLiteral(", ") + q(label->text) : column);
-        for (const auto& e : c->entries) box->addItem(q(e.title));
+        for (const auto& e : c->entries) box->addItem(q(e));
         box->setCurrentIndex(c->selected);
         box->setEnabled(!model_.control().held());
         box->setFocusPolicy(Qt::NoFocus);

@@ -1,10 +1,11 @@
 // A table of the window: a QTableView on a QAbstractTableModel that adapts a
-// table control and its data source (ui/Table.h). The model keeps a copy of
-// every cell from the last reload, so a table on hold (or in the middle of a
-// change of its list) still paints what it showed; the data source is asked
-// again only when the control is reloaded. Typed text, pop-up choices, button
-// and link clicks, drags of rows and header clicks go back to the data source
-// through the shared gesture functions, exactly as the tests drive them.
+// table control and its data source (ui/Table.h). The model keeps what every
+// cell showed at the last reload (compactly, ui/CellStore.h), so a table on
+// hold (or in the middle of a change of its list) still paints what it
+// showed; the data source is asked again only when the control is reloaded.
+// Typed text, pop-up choices, button and link clicks, drags of rows and header
+// clicks go back to the data source through the shared gesture functions,
+// exactly as the tests drive them.
 // Pop-up cells are live widgets (index widgets) of the view. Button cells are
 // only painted as push buttons by the view's delegate, which also takes the
 // mouse for them, so a list of hundreds of rows costs no widget per row. As
@@ -20,6 +21,7 @@
 #include <utility>
 #include <vector>
 
+#include "ui/CellStore.h"
 #include "ui/Table.h"
 
 namespace tolvane::desktop {
@@ -37,8 +39,8 @@ class TableModel : public QAbstractTableModel {
   bool refresh();
   // The choice made in a pop-up cell, kept until the next reload.
   void choose(int row, int column, int index);
-  // The cell as fetched at the last reload (nullptr outside the table or for an unfilled column).
-  const ui::Cell* cell(int row, int column) const;
+  // The cell as fetched at the last reload (none outside the table or for an unfilled column).
+  std::optional<ui::CellStore::View> cell(int row, int column) const { return cells_.at(row, column); }
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -72,10 +74,10 @@ class TableModel : public QAbstractTableModel {
   ui::Control& table_;
   unsigned seenReloads_ = 0;
   std::size_t seenColumns_ = 0;
-  bool busy_ = false;                                        // inside a call to the data source
-  bool deferred_ = false;                                    // a reload was asked for during that call
-  std::vector<std::vector<std::optional<ui::Cell>>> cells_;  // [row][column]
-  std::vector<std::string> marks_;                           // [row]: "watched", ... or ""
+  bool busy_ = false;      // inside a call to the data source
+  bool deferred_ = false;  // a reload was asked for during that call
+  ui::CellStore cells_;
+  std::vector<std::string> marks_;  // [row]: "watched", ... or ""
 };
 
 class CellDelegate;
