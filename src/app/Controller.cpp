@@ -179,18 +179,21 @@ void SerialPortDemoController::setUpRoutine() {
     // them rather than appending the values a second time.
     auto base = valueListBase_.find(item.tag());
     if (base == valueListBase_.end()) base = valueListBase_.emplace(item.tag(), p->entries()).first;
-    // Sized once: the longest list has ten thousand values.
-    std::vector<ui::Entry> entries;
-    entries.reserve(std::max(base->second.size() + item.entries.size(), p->entries().size()));
-    entries = base->second;
-    for (const std::string& value : item.entries)
-      entries.push_back(ui::Entry{value, 0, value == item.factory ? ui::kStatusPartiallyAvailable : "", false});
+    const std::size_t known = base->second.size() + item.valueCount;
     // Entries past the list are values the radio reported; they stay, at the
     // same positions, so the pop-up still shows what the radio holds.
-    const std::vector<ui::Entry>& before = p->entries();
-    for (std::size_t i = entries.size(); i < before.size(); ++i) entries.push_back(before[i]);
+    std::vector<ui::Entry> reported;
+    for (std::size_t i = known; i < p->entryCount(); ++i) reported.push_back(p->entry(i));
+    // The longest list has ten thousand values: they are made from the
+    // item's rule only when the list is read whole.
     const int keep = p->selectedIndex();
-    p->setEntries(std::move(entries));
+    p->setEntries(known + reported.size(), [&item, first = base->second, reported, known](std::size_t i) -> ui::Entry {
+      if (i < first.size()) return first[i];
+      if (i >= known) return reported[i - known];
+      std::string value = item.value(i - first.size());
+      const bool factory = value == item.factory;
+      return ui::Entry{std::move(value), 0, factory ? ui::kStatusPartiallyAvailable : "", false};
+    });
     if (keep >= 0) p->selectIndex(keep);
   }
 

@@ -259,10 +259,8 @@ void buildSettingsPage(ui::Window& w, Control& mainTab) {
     }
     Control& c = w.addOn(settings, item.page(), "menu" + tag + "PopUp", Kind::PopUp, item.tag());
     if (item.filledAtStart) continue;
-    std::vector<Entry> entries;
-    entries.reserve(item.entries.size());
-    for (const std::string& e : item.entries) entries.push_back(Entry{e, 0, "", false});
-    c.setEntries(std::move(entries));
+    // Made from the item's rule when the list is first read whole.
+    c.setEntries(item.valueCount, [&item](std::size_t i) { return Entry{item.value(i), 0, "", false}; });
   }
 }
 

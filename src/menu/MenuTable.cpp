@@ -74,8 +74,9 @@ constexpr Known kFilledAtStart[] = {
     {"040104", {0, 20, 1}, 10},    {"040105", {0, 20, 1}, 10},
 };
 
-// Decimal with leading zeros to the width. Built for every value of every
-// item when the table is first used, so without printf's format parsing.
+// Decimal with leading zeros to the width. Made for every entry of a value
+// list that is read whole (up to ten thousand), so without printf's format
+// parsing.
 std::string padded(int value, int width) {
   const bool negative = value < 0;
   const unsigned magnitude = negative ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
@@ -89,11 +90,10 @@ std::string padded(int value, int width) {
   return out;
 }
 
-std::vector<std::string> values(Range r, int width) {
-  std::vector<std::string> out;
-  if (r.step > 0 && r.to >= r.from) out.reserve(static_cast<std::size_t>((r.to - r.from) / r.step + 1));
-  for (int v = r.from; v <= r.to; v += r.step) out.push_back(padded(v, width));
-  return out;
+void setValues(MenuItem& item, Range r) {
+  item.firstValue = r.from;
+  item.valueStep = r.step;
+  item.valueCount = r.step > 0 && r.to >= r.from ? static_cast<std::size_t>((r.to - r.from) / r.step + 1) : 0;
 }
 
 // "010107" -> "01-01-07".
@@ -124,16 +124,16 @@ MenuItem makeItem(const std::string& code, std::string_view word) {
   const auto known = std::find_if(std::begin(kFilledAtStart), std::end(kFilledAtStart),
                                   [&](const Known& k) { return code == k.code; });
   if (known != std::end(kFilledAtStart)) {
-    item.entries = values(known->range, item.width);
+    setValues(item, known->range);
     item.filledAtStart = true;
     item.factory = padded(known->factory, item.width);
     return item;
   }
   if (item.kind == ValueKind::Title) {
-    item.entries = values(titleRange(item.width), item.width);
+    setValues(item, titleRange(item.width));
     item.factory = padded(10, item.width);
   } else {
-    item.entries = values({0, indexCount(item.width) - 1, 1}, item.width);
+    setValues(item, {0, indexCount(item.width) - 1, 1});
     item.factory = padded(0, item.width);
   }
   return item;
@@ -177,6 +177,10 @@ std::string lower(std::string_view s) {
 }
 
 }  // namespace
+
+std::string MenuItem::value(std::size_t index) const {
+  return padded(firstValue + static_cast<int>(index) * valueStep, width);
+}
 
 const std::vector<MenuItem>& menuItems() { return table().items; }
 const std::vector<MenuSubGroup>& menuSubGroups() { return table().subGroups; }

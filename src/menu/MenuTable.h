@@ -22,9 +22,14 @@ struct MenuItem {
   ValueKind kind = ValueKind::Title;
   int width = 1;  // characters of the value in answers and set commands
   std::string label;
-  // Entry titles of the pop-up, in order. A title item's entries are values of
-  // exactly `width` characters; an index item's entries are its choices.
-  std::vector<std::string> entries;
+  // The entry titles of the pop-up, in order, made by a rule: `valueCount`
+  // numbers from `firstValue` in steps of `valueStep`, each written with
+  // `width` digits. A title item's entries are its values as the radio writes
+  // them; an index item's are its choices' positions.
+  int firstValue = 0;
+  int valueStep = 1;
+  std::size_t valueCount = 0;
+  std::string value(std::size_t index) const;
   // The set-up routine appends these entries at start; the layout leaves the pop-up empty.
   bool filledAtStart = false;
   std::string factory;  // value at power-up, `width` characters

@@ -57,35 +57,66 @@ void Control::setText(const std::string& text) {
   changed();
 }
 
-void Control::setEntries(std::vector<Entry> entries) {
-  entries_ = std::move(entries);
-  if (selected_ >= static_cast<int>(entries_.size())) selected_ = -1;
-  if (selected_ < 0 && !entries_.empty()) selected_ = 0;
+const std::vector<Entry>& Control::entries() const {
+  makeEntries();
+  return entries_;
+}
+
+void Control::makeEntries() const {
+  if (!maker_) return;
+  std::vector<Entry> made;
+  made.reserve(madeCount_);
+  for (std::size_t i = 0; i < madeCount_; ++i) made.push_back(maker_(i));
+  entries_ = std::move(made);
+  maker_ = nullptr;
+}
+
+void Control::entriesChanged() {
+  ++entriesVersion_;
+  const int count = static_cast<int>(entryCount());
+  if (selected_ >= count) selected_ = -1;
+  if (selected_ < 0 && count > 0) selected_ = 0;
   changed();
+}
+
+void Control::setEntries(std::vector<Entry> entries) {
+  maker_ = nullptr;
+  entries_ = std::move(entries);
+  entriesChanged();
+}
+
+void Control::setEntries(std::size_t count, EntryMaker make) {
+  entries_.clear();
+  entries_.shrink_to_fit();
+  maker_ = count ? std::move(make) : nullptr;
+  madeCount_ = count;
+  entriesChanged();
 }
 
 void Control::addEntry(Entry entry) {
+  makeEntries();
   entries_.push_back(std::move(entry));
-  if (selected_ < 0) selected_ = 0;
-  changed();
+  entriesChanged();
 }
 
 void Control::removeAllEntries() {
+  maker_ = nullptr;
   entries_.clear();
+  ++entriesVersion_;
   selected_ = -1;
   changed();
 }
 
 void Control::selectIndex(int index) {
-  int next = (index >= 0 && index < static_cast<int>(entries_.size())) ? index : -1;
+  int next = (index >= 0 && index < static_cast<int>(entryCount())) ? index : -1;
   if (next == selected_) return;
   selected_ = next;
   changed();
 }
 
 bool Control::selectTitle(const std::string& title) {
-  for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (entries_[i].title == title) {
+  for (std::size_t i = 0; i < entryCount(); ++i) {
+    if ((maker_ ? maker_(i).title : entries_[i].title) == title) {
       selectIndex(static_cast<int>(i));
       return true;
     }
@@ -94,8 +125,8 @@ bool Control::selectTitle(const std::string& title) {
 }
 
 std::string Control::titleOfSelectedItem() const {
-  if (selected_ < 0 || selected_ >= static_cast<int>(entries_.size())) return {};
-  return entries_[static_cast<std::size_t>(selected_)].title;
+  if (selected_ < 0 || selected_ >= static_cast<int>(entryCount())) return {};
+  return entry(static_cast<std::size_t>(selected_)).title;
 }
 
 void Control::setValue(int value) {

@@ -96,8 +96,19 @@ class Control {
   void setText(const std::string& text);
 
   // Pop-ups, tab views (one entry per page) and menus.
-  const std::vector<Entry>& entries() const { return entries_; }
+  const std::vector<Entry>& entries() const;
   void setEntries(std::vector<Entry> entries);
+  // A long list made by a rule (the radio's values, up to ten thousand of
+  // them): `count` entries, entry i being make(i). They are made only when
+  // the list is read whole (entries(), addEntry()); counting, reading one
+  // entry, selecting and the selected title do not make them.
+  using EntryMaker = std::function<Entry(std::size_t)>;
+  void setEntries(std::size_t count, EntryMaker make);
+  std::size_t entryCount() const { return maker_ ? madeCount_ : entries_.size(); }
+  // Entry `index` (below entryCount()).
+  Entry entry(std::size_t index) const { return maker_ ? maker_(index) : entries_[index]; }
+  // Goes up with every change of the entries, so a view can tell whether what it shows is current.
+  unsigned entriesVersion() const { return entriesVersion_; }
   void addEntry(Entry entry);
   void removeAllEntries();
   int selectedIndex() const { return selected_; }
@@ -157,6 +168,9 @@ class Control {
 
  private:
   void changed();
+  void entriesChanged();
+  // Turns entries made by a rule into the list itself.
+  void makeEntries() const;
 
   std::string outlet_;
   Kind kind_;
@@ -169,7 +183,11 @@ class Control {
   bool enabled_ = true;
   bool visible_ = true;
   std::string text_;
-  std::vector<Entry> entries_;
+  // Entries made by a rule stay a rule until the list is read whole.
+  mutable std::vector<Entry> entries_;
+  mutable EntryMaker maker_;
+  std::size_t madeCount_ = 0;
+  unsigned entriesVersion_ = 0;
   int selected_ = -1;
   int value_ = 0;
   int min_ = 0;

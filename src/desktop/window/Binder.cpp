@@ -97,30 +97,26 @@ QIcon buttonImage(const std::string& image) {
 }
 
 // The entries of a pop-up as its combo box shows them. The box reads titles,
-// status images and heading flags straight from a copy of the control's
-// entries, so lists of thousands of values cost one copy, not an item each.
+// status images and heading flags straight from the control, one entry at a
+// time, so lists of thousands of values (made by a rule until read whole)
+// cost no copy and no item each.
 class EntryListModel : public QAbstractListModel {
  public:
   using QAbstractListModel::QAbstractListModel;
 
-  bool shows(const std::vector<ui::Entry>& entries) const {
-    return std::equal(entries_.begin(), entries_.end(), entries.begin(), entries.end(),
-                      [](const ui::Entry& a, const ui::Entry& b) {
-                        return a.title == b.title && a.tag == b.tag && a.image == b.image && a.heading == b.heading;
-                      });
-  }
-  void show(const std::vector<ui::Entry>& entries) {
+  bool shows(const ui::Control& c) const { return control_ == &c && version_ == c.entriesVersion(); }
+  void show(const ui::Control& c) {
     beginResetModel();
-    entries_ = entries;
+    control_ = &c;
+    version_ = c.entriesVersion();
+    count_ = static_cast<int>(c.entryCount());
     endResetModel();
   }
 
-  int rowCount(const QModelIndex& parent) const override {
-    return parent.isValid() ? 0 : static_cast<int>(entries_.size());
-  }
+  int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : count_; }
   QVariant data(const QModelIndex& index, int role) const override {
-    if (!index.isValid() || index.row() >= static_cast<int>(entries_.size())) return {};
-    const ui::Entry& e = entries_[static_cast<std::size_t>(index.row())];
+    if (!index.isValid() || !inList(index.row())) return {};
+    const ui::Entry e = control_->entry(static_cast<std::size_t>(index.row()));
     switch (role) {
       case Qt::DisplayRole:
       case Qt::EditRole:
@@ -146,13 +142,17 @@ class EntryListModel : public QAbstractListModel {
     }
   }
   Qt::ItemFlags flags(const QModelIndex& index) const override {
-    if (!index.isValid() || index.row() >= static_cast<int>(entries_.size())) return Qt::NoItemFlags;
-    if (entries_[static_cast<std::size_t>(index.row())].heading) return Qt::NoItemFlags;
+    if (!index.isValid() || !inList(index.row())) return Qt::NoItemFlags;
+    if (control_->entry(static_cast<std::size_t>(index.row())).heading) return Qt::NoItemFlags;
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
   }
 
  private:
-  std::vector<ui::Entry> entries_;
+  bool inList(int row) const { return row < count_ && static_cast<std::size_t>(row) < control_->entryCount(); }
+
+  const ui::Control* control_ = nullptr;
+  unsigned version_ = 0;
+  int count_ = 0;  // as at the last reset: the view's rows change only with a reset
 };
 
 void notifyAccessible(QWidget* w, QAccessible::Event event) {
@@ -459,7 +459,7 @@ void Binder::paintWidget(const ui::Control& c, QWidget* w) {
     case ui::Kind::PopUp: {
       auto* box = static_cast<QComboBox*>(w);
       auto* entries = static_cast<EntryListModel*>(box->model());
-      if (!entries->shows(c.entries())) entries->show(c.entries());
+      if (!entries->shows(c)) entries->show(c);
       if (box->currentIndex() != c.selectedIndex()) {
         box->setCurrentIndex(c.selectedIndex());
         if (QAccessible::isActive()) {
