@@ -98,14 +98,16 @@ int main(int argc, char** argv) {
   // window are built; --help, --version and --list-ports need no display and
   // no fonts.
   const bool headless = headlessRequest(argc, argv);
+  // Made before the warm-up so that it outlives the warm-up's thread, which
+  // uses the application's fonts.
+  std::unique_ptr<QCoreApplication> app;
   desktop::FontWarmUp fonts(!headless);
   desktop::StdoutLog log;
   // The serial ports' module is loaded, and the system's port list read, on
   // a worker thread of their own.
   desktop::SystemPorts systemPorts(desktop::modulePath(QStringLiteral("libtolvane-serial.so")), log);
   systemPorts.prefetch();
-  std::unique_ptr<QCoreApplication> app =
-      headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
+  app = headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
   fonts.applicationMade(!headless);
   QCoreApplication::setOrganizationName(QStringLiteral("Tolvane"));
   QCoreApplication::setApplicationName(QStringLiteral("Tolvane"));

@@ -7,6 +7,12 @@
 // list once the application object exists), so it overlaps with the making of
 // the application, the services and the controller. wait() is called before
 // the first widget is made; no widget touches a font before it.
+//
+// After the list the same thread does two more things the first frame would
+// otherwise do on the window's thread: it works out the fallback fonts of the
+// application's font (Qt keeps them for every thread), and it loads the image
+// format plug-ins, which Qt loads all of the first time an icon is read from a
+// file (the menu bar's own icon). Neither is waited for.
 #pragma once
 
 #include <future>
@@ -30,6 +36,7 @@ class FontWarmUp {
 
  private:
   std::promise<bool> application_;
+  std::future<void> listed_;
   std::thread thread_;
 };
 
