@@ -2,6 +2,7 @@
 // action; the operator's gestures on the widgets fire exactly one action.
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -122,6 +123,34 @@ TEST_F(BinderTest, NewEntriesReplaceThePopUpAndKeepTheModelsSelection) {
   EXPECT_EQ(box->count(), 10001);
   EXPECT_EQ(box->itemText(10000), "12345");
   EXPECT_EQ(box->currentText(), "150");
+  EXPECT_EQ(total(), 0);
+}
+
+// A pop-up takes the toolkit's size for eight characters and a status image,
+// however long its entries, and makes its list only when it first opens.
+TEST_F(BinderTest, APopUpIsSizedByItsMinimumLengthAndMakesItsListWhenOpened) {
+  mode->setEntries({{"A value far longer than eight characters", 0, "", false}, {"CW", 0, "", false}});
+  auto* box = binder->widgetAs<QComboBox>("modesPopUpButton");
+  EXPECT_EQ(box->findChild<QAbstractItemView*>(), nullptr);
+  QComboBox sized;
+  sized.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  sized.setMinimumContentsLength(8);
+  sized.addItems({"A value far longer than eight characters", "CW"});
+  EXPECT_EQ(box->sizeHint(), sized.sizeHint());
+  EXPECT_EQ(box->minimumSizeHint(), sized.minimumSizeHint());
+  EXPECT_LT(box->sizeHint().width(), box->fontMetrics().horizontalAdvance("A value far longer than eight characters"));
+  box->setMinimumContentsLength(24);
+  box->setPlaceholderText("Choose a port");
+  sized.setMinimumContentsLength(24);
+  sized.setPlaceholderText("Choose a port");
+  EXPECT_EQ(box->sizeHint(), sized.sizeHint());
+
+  box->show();
+  box->showPopup();
+  auto* list = box->findChild<QAbstractItemView*>();
+  ASSERT_NE(list, nullptr);
+  EXPECT_EQ(list->model()->rowCount(), 2);
+  box->hidePopup();
   EXPECT_EQ(total(), 0);
 }
 

@@ -17,7 +17,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
+#include <QStyleOptionComboBox>
 #include <QTabWidget>
+#include <QtMath>
 
 #include "desktop/window/TableView.h"
 
@@ -155,6 +157,29 @@ class EntryListModel : public QAbstractListModel {
   int count_ = 0;  // as at the last reset: the view's rows change only with a reset
 };
 
+// A pop-up sized by its minimum contents length and room for an entry's
+// status image, whatever its entries: the size the toolkit gives a box told
+// to adjust to that length with an icon. Telling a box so makes it build its
+// list's pop-up window at once, a list view and its scrollers for every
+// pop-up; this box builds it only when it first opens.
+class PopUpBox : public QComboBox {
+ public:
+  using QComboBox::QComboBox;
+
+  QSize sizeHint() const override {
+    const QFontMetrics& fm = fontMetrics();
+    QSize size(-1, -1);
+    if (minimumContentsLength() > 0)
+      size.setWidth(minimumContentsLength() * fm.horizontalAdvance(QLatin1Char('X')) + iconSize().width() + 4);
+    if (!placeholderText().isEmpty()) size.setWidth(std::max(size.width(), fm.boundingRect(placeholderText()).width()));
+    size.setHeight(std::max(std::max(qCeil(QFontMetricsF(fm).height()), 14) + 2, iconSize().height() + 2));
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, size, this);
+  }
+  QSize minimumSizeHint() const override { return sizeHint(); }
+};
+
 void notifyAccessible(QWidget* w, QAccessible::Event event) {
   if (!QAccessible::isActive()) return;
   QAccessibleEvent e(w, event);
@@ -281,9 +306,8 @@ QWidget* Binder::makeWidget(ui::Control& c) {
       break;
     }
     case ui::Kind::PopUp: {
-      auto* box = new QComboBox;
+      auto* box = new PopUpBox;
       box->setModel(new EntryListModel(box));
-      box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
       box->setMinimumContentsLength(8);
       box->setMaxVisibleItems(20);
       connect(box, &QComboBox::activated, this, [this, ctl](int index) {
