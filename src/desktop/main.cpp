@@ -1,5 +1,7 @@
 // Tolvane's desktop program: builds the platform services, the controls model,
 // the controller, the window and its binder, then runs the event loop.
+#include <malloc.h>
+
 #include <QApplication>
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -93,6 +95,14 @@ bool headlessRequest(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#ifdef __GLIBC__
+  // One malloc arena for every thread, set before the first thread starts.
+  // The font, port and module threads would each get an arena of their own
+  // that stays mapped, half used, for the program's life (0.3 to 0.6 MB at
+  // idle); sharing one costs no measurable start-up time, since they
+  // allocate little beside the window's thread.
+  mallopt(M_ARENA_MAX, 1);
+#endif
   step("main");
   // The font list and the port list are read while the application and its
   // window are built; --help, --version and --list-ports need no display and
