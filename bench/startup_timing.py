@@ -21,9 +21,11 @@ Run it with a higher priority on a shared machine (as root: nice -n -10) and
 say what the load was; the load average is printed at the start and the end.
 
 Usage: bench/startup_timing.py [BUILD_DIR] [--runs N] [--stall-runs N] [--callgrind]
-  --callgrind   also counts the instructions from start to the first paint
-                under valgrind's callgrind and prints the program's own
-                functions that cost most (repeatable whatever the load).
+  --callgrind   also counts the instructions on the window's thread from
+                start to the first paint under valgrind's callgrind, dynamic
+                loading among them, for the program and the bare window, and
+                prints the program's own functions that cost most
+                (repeatable whatever the load).
 """
 import functools
 import http.server
@@ -256,32 +258,52 @@ def idle_once(base, silent_radio):
     return rss, 100.0 * (c1 - c0) / hz / (t1 - t0)
 
 
+def window_thread_profile(command, env, work):
+    """callgrind_annotate's inclusive listing of the window's thread from start to the first paint."""
+    out = os.path.join(work, "callgrind.out")
+    p = subprocess.Popen(["valgrind", "--tool=callgrind", "--separate-threads=yes", f"--callgrind-out-file={out}"]
+                         + command, env=env, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                         stderr=subprocess.PIPE, text=True)
+    deadline = time.monotonic() + 120
+    while time.monotonic() < deadline:
+        line = p.stderr.readline()
+        if not line or line.startswith("trace shown"):
+            break
+    subprocess.run(["callgrind_control", "--dump=shown", str(p.pid)], stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL)
+    time.sleep(1)
+    p.terminate()
+    p.wait()
+    dumps = sorted(f for f in os.listdir(work) if f.startswith("callgrind.out.1-01"))
+    if not dumps:
+        return ""
+    return subprocess.run(["callgrind_annotate", "--inclusive=yes", os.path.join(work, dumps[0])],
+                          capture_output=True, text=True).stdout
+
+
+def count_of(text, ending):
+    row = next((l for l in text.splitlines() if l.rstrip().endswith(ending)), None)
+    return row.split()[0] if row else "?"
+
+
 def callgrind_profile(base):
-    """Instructions from start to the first paint, and the program's costliest functions."""
+    """Instructions on the window's thread from start to the first paint, dynamic loading among
+    them, against the bare window's; and the program's costliest functions."""
     with tempfile.TemporaryDirectory() as work:
-        out = os.path.join(work, "callgrind.out")
-        p = subprocess.Popen(["valgrind", "--tool=callgrind", f"--callgrind-out-file={out}", EXE]
-                             + program_args(base), env=environment(work), stdin=subprocess.DEVNULL,
-                             stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
-        deadline = time.monotonic() + 120
-        while time.monotonic() < deadline:
-            line = p.stderr.readline()
-            if not line or line.startswith("trace shown"):
-                break
-        subprocess.run(["callgrind_control", "--dump=shown", str(p.pid)], stdout=subprocess.DEVNULL,
-                       stderr=subprocess.DEVNULL)
-        time.sleep(1)
-        p.terminate()
-        p.wait()
-        dumps = sorted(f for f in os.listdir(work) if f.startswith("callgrind.out") and f.endswith(".1"))
-        if not dumps:
-            print("callgrind: no dump at the first paint")
-            return
-        text = subprocess.run(["callgrind_annotate", "--inclusive=yes", os.path.join(work, dumps[0])],
-                              capture_output=True, text=True).stdout
+        text = window_thread_profile([EXE] + program_args(base), environment(work), work)
+    with tempfile.TemporaryDirectory() as work:
+        floor = window_thread_profile([FLOOR], environment(work), work)
+    if not text:
+        print("callgrind: no dump at the first paint")
+        return
     rows = [l for l in text.splitlines() if "(" in l and "%)" in l]
     total = next((l.split()[0] for l in text.splitlines() if "PROGRAM TOTALS" in l), "?")
-    print(f"callgrind, start to first paint: {total} instructions; the program's own functions (inclusive):")
+    floor_total = next((l.split()[0] for l in floor.splitlines() if "PROGRAM TOTALS" in l), "?")
+    loading = "rtld.c:_dl_start [/usr/lib/x86_64-linux-gnu/ld-linux-x86-64.so.2]"
+    print(f"callgrind, window's thread, start to first paint: {total} instructions "
+          f"(dynamic loading, _dl_start, {count_of(text, loading)}); bare window {floor_total} "
+          f"(_dl_start {count_of(floor, loading)})")
+    print("the program's own functions (inclusive):")
     own = [l for l in rows if "/src/" in l and "main.cpp:main" not in l][:15]
     for l in own:
         count = l.split()[0]

@@ -9,6 +9,8 @@
 namespace tolvane::desktop {
 
 ModuleLoader::Found findModuleEntry(const QString& path, const char* symbol) {
+  // QLibrary's own message names the last of the file names it tried.
+  if (!QFileInfo::exists(path)) return {nullptr, "there is no " + path.toStdString()};
   QLibrary library(path);
   if (!library.load()) return {nullptr, library.errorString().toStdString()};
   // The library stays loaded for the rest of the run (QLibrary never unloads
