@@ -116,7 +116,7 @@ int main(int argc, char** argv) {
   // The serial ports' module is loaded, and the system's port list read, on
   // a worker thread of their own.
   desktop::SystemPorts systemPorts(desktop::modulePath(QStringLiteral("libtolvane-serial.so")), log);
-  systemPorts.prefetch();
+  if (!headless) systemPorts.prefetch();  // --list-ports loads it when it lists
   app = headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
   fonts.applicationMade(!headless);
   QCoreApplication::setOrganizationName(QStringLiteral("Tolvane"));
