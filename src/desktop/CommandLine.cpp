@@ -50,45 +50,55 @@ Options parseCommandLine(const QStringList& arguments) {
   parser.addOption(flrig);
   parser.addOption(shareAddress);
   parser.addOption(service);
+  Options o;
   if (!parser.parse(arguments)) {
     std::fprintf(stderr, "%s\n\n%s", qPrintable(parser.errorText()), qPrintable(parser.helpText()));
-    std::exit(2);
+    o.exitCode = 2;
+    return o;
   }
-  if (parser.isSet(QStringLiteral("help"))) parser.showHelp(0);
+  if (parser.isSet(QStringLiteral("help"))) {
+    std::printf("%s", qPrintable(parser.helpText()));
+    o.exitCode = 0;
+    return o;
+  }
   if (parser.isSet(QStringLiteral("version"))) {
     std::printf("%s\n", qPrintable(versionText()));
-    std::exit(0);
+    o.exitCode = 0;
+    return o;
   }
-  Options o;
   o.port = parser.value(port);
   o.connect = parser.isSet(connect);
   o.trySimulator = parser.isSet(trySimulator);
   o.listPorts = parser.isSet(list);
-  auto portValue = [&parser](const QCommandLineOption& option, const char* name) {
+  auto portValue = [&parser, &o](const QCommandLineOption& option, const char* name) {
     if (!parser.isSet(option)) return -1;
     bool ok = false;
     const int n = parser.value(option).toInt(&ok);
     if (!ok || n < 0 || n > 65535) {
       std::fprintf(stderr, "--%s takes a port number from 0 to 65535, not \"%s\"\n", name,
                    qPrintable(parser.value(option)));
-      std::exit(2);
+      o.exitCode = 2;
+      return -1;
     }
     return n;
   };
   o.rigctldPort = portValue(rigctld, "rigctld-port");
   o.flrigPort = portValue(flrig, "flrig-port");
+  if (o.exitCode) return o;
   if (parser.isSet(shareAddress)) {
     o.shareAddress = parser.value(shareAddress);
     if (!isHostAddress(o.shareAddress)) {
       std::fprintf(stderr, "--share-address takes an IP address, not \"%s\"\n", qPrintable(o.shareAddress));
-      std::exit(2);
+      o.exitCode = 2;
+      return o;
     }
   }
   for (const QString& value : parser.values(service)) {
     const spots::ServiceOverride s = spots::parseServiceOverride(value.toStdString());
     if (!s.problem.empty()) {
       std::fprintf(stderr, "--service %s\n", s.problem.c_str());
-      std::exit(2);
+      o.exitCode = 2;
+      return o;
     }
     o.services.emplace_back(s.name, s.address);
   }

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,10 +23,17 @@ struct Options {
   QString shareAddress;  // empty keeps the preference
   // Web service addresses for this run only (--service NAME=URL), in order.
   std::vector<std::pair<std::string, std::string>> services;
+  // Set when the command line is answered already: --help and --version
+  // printed (0), or a malformed command line with its error and the usage
+  // printed (2). main() returns it, so that the worker threads started before
+  // the command line was read (fonts, the serial module) are joined: a
+  // process that exits while another thread loads a library or reads fonts
+  // can crash in the libraries' finalisation.
+  std::optional<int> exitCode;
 };
 
-// Parses the arguments; --help and --version print and exit the process.
-// A malformed command line prints the error and the usage, and exits with 2.
+// Parses the arguments; --help, --version and a malformed command line print
+// and set `exitCode`.
 Options parseCommandLine(const QStringList& arguments);
 
 // What --version prints: the name and version, the licence, and the folder

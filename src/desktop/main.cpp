@@ -126,6 +126,7 @@ int main(int argc, char** argv) {
   QGuiApplication::setDesktopFileName(QString::fromLatin1(desktop::kApplicationId));
   step("application");
   const desktop::Options options = desktop::parseCommandLine(QCoreApplication::arguments());
+  if (options.exitCode) return *options.exitCode;
 
   QObject root;
   desktop::QtScheduler scheduler(&root);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <utility>
@@ -89,6 +90,27 @@ TEST(EndToEnd, OnOpenSequenceOnTheWireAndVfoAFollowsTheRadio) {
   EXPECT_LT(lastPollFa, poll + 0.5);
   std::string cleanup = "rm -rf " + dir;
   EXPECT_EQ(std::system(cleanup.c_str()), 0);
+}
+
+// A malformed command line ends the program with its message and code 2
+// once the threads started before the command line was read (the font list,
+// the serial ports' module) are done: leaving from the middle of them crashed
+// the program in the libraries' finalisation.
+TEST(EndToEnd, AMalformedCommandLineEndsWithItsMessageAndCodeTwo) {
+  const std::string dir = tempDir();
+  const std::string err = dir + "/bad-option.err";
+  const std::string command = std::string("QT_QPA_PLATFORM=offscreen '") + TOLVANE_EXE +
+                              "' --rigctld-port notanumber >/dev/null 2>'" + err + "'";
+  for (int run = 0; run < 10; ++run) {
+    const int status = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(status)) << "run " << run;
+    ASSERT_EQ(WEXITSTATUS(status), 2) << "run " << run;
+  }
+  std::ifstream in(err);
+  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_NE(text.find("--rigctld-port takes a port number from 0 to 65535, not \"notanumber\""), std::string::npos)
+      << text;
+  EXPECT_EQ(std::system(("rm -rf " + dir).c_str()), 0);
 }
 
 }  // namespace

@@ -1,16 +1,12 @@
 // The system's serial ports from the serial module: the module is loaded and
 // the list read on a worker thread, a port named before that is kept for the
-// manager, a module that cannot be loaded offers no system ports, and the
-// process does not exit in the middle of a load.
+// manager, and a module that cannot be loaded offers no system ports.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <QTest>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <thread>
 
 #include "desktop/services/SystemPorts.h"
 #include "support/Fakes.h"
@@ -50,27 +46,6 @@ TEST(SystemPorts, AModuleThatCannotBeLoadedOffersNoPortsAndSaysSoOnce) {
   ASSERT_EQ(log.lines.size(), 1u);
   EXPECT_EQ(log.lines[0].rfind("Serial ports are off: ", 0), 0u) << log.lines[0];
   EXPECT_EQ(log.lines[0], "Serial ports are off: there is no /nonexistent/libtolvane-serial.so");
-}
-
-// A program that exits (--version, a bad option) while a module is still
-// loading waits for the load: a thread inside dlopen() while the process
-// exits can initialise libraries a second time, which aborts.
-TEST(ModuleLoaderDeathTest, ExitWaitsForALoadUnderWay) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(
-      {
-        static test::FakeLog log;
-        auto* loader = new ModuleLoader(
-            [] {
-              std::this_thread::sleep_for(std::chrono::milliseconds(200));
-              std::fputs("the module's libraries are loaded\n", stderr);
-              return ModuleLoader::Found{};
-            },
-            "Off: ", log);
-        loader->load();
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(0), "the module's libraries are loaded");
 }
 
 }  // namespace

@@ -4,40 +4,9 @@
 #include <QFileInfo>
 #include <QLibrary>
 #include <QMetaObject>
-#include <cstdlib>
-#include <mutex>
-#include <set>
 #include <utility>
 
 namespace tolvane::desktop {
-
-namespace {
-
-// The loads under way. A process that exits while another thread is inside
-// dlopen() can run a library's constructors a second time after its
-// destructors (the C library clears their "initialised" mark before calling
-// the destructors, and the loading thread then initialises the new module's
-// dependencies again): libgomp's own check then aborts the exit. So exit()
-// waits for every load under way before the libraries are finalised.
-std::mutex underWayMutex;
-std::set<ModuleLoader*> underWay;
-
-void waitForLoadsUnderWay() {
-  const std::lock_guard<std::mutex> lock(underWayMutex);
-  for (ModuleLoader* loader : underWay) loader->waitForWorker();
-}
-
-void markUnderWay(ModuleLoader* loader, bool on) {
-  static std::once_flag registered;
-  std::call_once(registered, [] { std::atexit(waitForLoadsUnderWay); });
-  const std::lock_guard<std::mutex> lock(underWayMutex);
-  if (on)
-    underWay.insert(loader);
-  else
-    underWay.erase(loader);
-}
-
-}  // namespace
 
 ModuleLoader::Found findModuleEntry(const QString& path, const char* symbol) {
   // QLibrary's own message names the last of the file names it tried.
@@ -62,18 +31,12 @@ ModuleLoader::ModuleLoader(Find find, std::string off, platform::ConsoleLog& log
     : QObject(parent), find_(std::move(find)), off_(std::move(off)), log_(log) {}
 
 ModuleLoader::~ModuleLoader() {
-  waitForWorker();
-  if (state_ == State::Loading) markUnderWay(this, false);
-}
-
-void ModuleLoader::waitForWorker() const {
   if (worker_.valid()) worker_.wait();
 }
 
 void ModuleLoader::load() {
   if (state_ != State::Idle) return;
   state_ = State::Loading;
-  markUnderWay(this, true);
   worker_ = std::async(std::launch::async, [this] {
     Found result = find_();
     // Back on the window's thread, where the module's objects must live. The
@@ -93,7 +56,6 @@ bool ModuleLoader::wait() {
 void ModuleLoader::settle() {
   if (state_ != State::Loading) return;  // settled already (by wait())
   const Found result = worker_.get();
-  markUnderWay(this, false);
   if (!result.entry) {
     state_ = State::Failed;
     problem_ = result.problem;

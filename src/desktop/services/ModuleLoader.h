@@ -58,8 +58,6 @@ class ModuleLoader : public QObject {
   void waitForLoad() { loadOnAsk_ = false; }
   // Why the module could not be loaded.
   const std::string& problem() const { return problem_; }
-  // Returns once the worker thread is done (exit() waits for it this way).
-  void waitForWorker() const;
 
  signals:
   // The module is ready and what waited has run (not sent on failure).
