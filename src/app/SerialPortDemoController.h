@@ -104,6 +104,7 @@ class SerialPortDemoController : public platform::SerialPortListener,
   // PortManagerListener
   void serialPortsWereConnected(const std::vector<std::string>& names) override;
   void serialPortsWereDisconnected(const std::vector<std::string>& names) override;
+  void serialPortListWasRead() override { refreshPortList(); }
 
   // ---------------------------------------------------------- response handling (radio/)
   // Handles the text of one delivery: every answer up to its ";".

@@ -92,6 +92,20 @@ bool headlessRequest(int argc, char** argv) {
   return false;
 }
 
+// Whether the start chooses a system port: one named by --port, or a
+// remembered one other than the simulated transceiver.
+bool systemPortWanted(int argc, char** argv, const platform::SettingsStore& settings) {
+  for (int i = 1; i < argc; ++i) {
+    const QByteArray a(argv[i]);
+    if (a == "--port" || a.startsWith("--port=")) return true;
+  }
+  const std::string remembered = settings.value("defaultPort").value_or("");
+#ifdef TOLVANE_HAVE_SIM
+  if (remembered == sim::SimulatedSerialPort::kDescription) return false;
+#endif
+  return !remembered.empty();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -116,7 +130,19 @@ int main(int argc, char** argv) {
   // The serial ports' module is loaded, and the system's port list read, on
   // a worker thread of their own.
   desktop::SystemPorts systemPorts(desktop::modulePath(QStringLiteral("libtolvane-serial.so")), log);
-  if (!headless) systemPorts.prefetch();  // --list-ports loads it when it lists
+  // A start that is to choose a system port (one named on the command line,
+  // or a remembered one other than the simulated transceiver) reads the list
+  // from here on, beside the window's making, and the set-up routine waits
+  // for it. Any other start reads it after the first frame, so that its
+  // thread does not take a core from the window's; the port pop-up fills
+  // when it is in. --list-ports loads it when it lists.
+  desktop::QtSettingsStore settings;
+  if (!headless) {
+    if (systemPortWanted(argc, argv, settings))
+      systemPorts.prefetch();
+    else
+      systemPorts.answerBeforeRead();
+  }
   app = headless ? std::make_unique<QCoreApplication>(argc, argv) : std::make_unique<QApplication>(argc, argv);
   fonts.applicationMade(!headless);
   QCoreApplication::setOrganizationName(QStringLiteral("Tolvane"));
@@ -143,7 +169,6 @@ int main(int argc, char** argv) {
     return 0;
   }
 
-  desktop::QtSettingsStore settings;
   // Sounds and the voice guide come from their own module, loaded when wanted.
   desktop::MediaLoader media(desktop::modulePath(QStringLiteral("libtolvane-media.so")), desktop::soundsDirectory(),
                              log);
@@ -295,6 +320,10 @@ int main(int argc, char** argv) {
   if (controller.tlSounds == "1" || controller.tlVoiceGuide == "1")
     QObject::connect(&window, &desktop::MainWindow::firstPainted, &media, &desktop::MediaLoader::load);
   QTimer::singleShot(1000, &window, connectOnce);
+  // The system's port list, when the start did not wait for it.
+  QObject::connect(&window, &desktop::MainWindow::firstPainted, &systemPorts, &desktop::SystemPorts::prefetch,
+                   Qt::QueuedConnection);
+  QTimer::singleShot(1000, &systemPorts, &desktop::SystemPorts::prefetch);
   // Web requests and rig sharing: their module is loaded (on a worker thread)
   // from the turn after the first frame; the requests the set-up routine sent
   // then go out in order, and the sharing servers listen as soon as it is

@@ -88,6 +88,9 @@ class PortManagerListener {
   virtual ~PortManagerListener() = default;
   virtual void serialPortsWereConnected(const std::vector<std::string>& names) = 0;
   virtual void serialPortsWereDisconnected(const std::vector<std::string>& names) = 0;
+  // The system's list, read after it was first asked for, is in: the ports
+  // were there all along, so nothing is announced.
+  virtual void serialPortListWasRead() {}
 };
 
 class PortManager {

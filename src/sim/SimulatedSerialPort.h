@@ -31,7 +31,8 @@ class SimulatedSerialPort : public platform::SerialPort {
   ~SimulatedSerialPort() override;
 
   std::string name() const override { return "sim"; }
-  std::string description() const override { return "Simulated transceiver"; }
+  static constexpr const char* kDescription = "Simulated transceiver";
+  std::string description() const override { return kDescription; }
   bool isOpen() const override { return open_; }
   std::int64_t baudRate() const override { return baud_; }
   void setBaudRate(std::int64_t baud) override { baud_ = baud; }

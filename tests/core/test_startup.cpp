@@ -128,6 +128,22 @@ TEST(HotPlug, ConnectedPortsAreAnnouncedAndTheSetUpRunsOnce) {
   EXPECT_EQ(rig.notifications.delivered.size(), 3u);
 }
 
+// A list read late holds ports that were there all along: the pop-up fills,
+// the choice stays, nothing is announced and the set-up does not run again.
+TEST(HotPlug, AListReadLateFillsThePopUpQuietly) {
+  test::Rig rig;
+  rig.settings.values["defaultPort"] = "USB Serial 2";
+  const std::string chosen = rig.at("PortPopUpButton").titleOfSelectedItem();
+  const std::size_t lines = rig.log.lines.size();
+  rig.ports.ports.push_back(std::make_shared<test::FakeSerialPort>("ttyUSB1", "USB Serial 2", &rig.scheduler));
+  rig.ports.listener->serialPortListWasRead();
+  ASSERT_EQ(rig.at("PortPopUpButton").entries().size(), 2u);
+  EXPECT_EQ(rig.at("PortPopUpButton").entries().back().title, "USB Serial 2");
+  EXPECT_EQ(rig.at("PortPopUpButton").titleOfSelectedItem(), chosen);
+  EXPECT_TRUE(rig.notifications.delivered.empty());
+  EXPECT_EQ(rig.log.lines.size(), lines);
+}
+
 // The set-up routine fills and marks the value pop-ups; a hot-plug reruns it
 // and leaves every one as the first run did, the operator's choice included.
 TEST(HotPlug, ValuePopUpsAreFilledAndMarkedByEveryRunOfTheSetUp) {

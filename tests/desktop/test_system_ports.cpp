@@ -6,6 +6,7 @@
 
 #include <QTest>
 #include <cstdlib>
+#include <future>
 #include <string>
 
 #include "desktop/services/SystemPorts.h"
@@ -46,6 +47,45 @@ TEST(SystemPorts, AModuleThatCannotBeLoadedOffersNoPortsAndSaysSoOnce) {
   ASSERT_EQ(log.lines.size(), 1u);
   EXPECT_EQ(log.lines[0].rfind("Serial ports are off: ", 0), 0u) << log.lines[0];
   EXPECT_EQ(log.lines[0], "Serial ports are off: there is no /nonexistent/libtolvane-serial.so");
+}
+
+// A stand-in module whose list holds one port.
+struct OnePortModule : SerialModule {
+  test::FakePortManager manager;
+  OnePortModule() { manager.ports.push_back(std::make_shared<test::FakeSerialPort>("ttyUSB0", "ttyUSB0")); }
+  platform::PortManager& ports() override { return manager; }
+  void addExtraPort(const QString&) override {}
+};
+const SerialModuleEntry kOnePortEntry{[] {}, []() -> SerialModule* { return new OnePortModule; }};
+
+struct HeardLists : platform::PortManagerListener {
+  int read = 0, connected = 0;
+  void serialPortsWereConnected(const std::vector<std::string>&) override { ++connected; }
+  void serialPortsWereDisconnected(const std::vector<std::string>&) override {}
+  void serialPortListWasRead() override { ++read; }
+};
+
+TEST(SystemPorts, AStartThatChoosesNoSystemPortIsAnsweredAtOnceAndToldWhenTheListIsIn) {
+  test::FakeLog log;
+  std::promise<void> go;
+  std::shared_future<void> going = go.get_future().share();
+  SystemPorts ports(
+      [going] {
+        going.wait();
+        return ModuleLoader::Found{const_cast<SerialModuleEntry*>(&kOnePortEntry), {}};
+      },
+      log);
+  HeardLists heard;
+  ports.setListener(&heard);
+  ports.answerBeforeRead();
+  ports.prefetch();
+  // The worker is still reading: the answer comes without it, not after it.
+  EXPECT_TRUE(ports.availablePorts().empty());
+  EXPECT_FALSE(ports.ready());
+  go.set_value();
+  QTRY_COMPARE(heard.read, 1);
+  EXPECT_TRUE(offers(ports, "ttyUSB0"));
+  EXPECT_EQ(heard.connected, 0);
 }
 
 }  // namespace

@@ -22,6 +22,9 @@ SystemPorts::SystemPorts(ModuleLoader::Find find, platform::ConsoleLog& log, QOb
     for (const QString& location : extra_) module_->addExtraPort(location);
     module_->ports().setListener(listener_);
   });
+  connect(&loader_, &ModuleLoader::loaded, this, [this] {
+    if (answeredEarly_ && listener_) listener_->serialPortListWasRead();
+  });
 }
 
 SystemPorts::~SystemPorts() = default;
@@ -32,6 +35,10 @@ void SystemPorts::addExtraPort(const QString& location) {
 }
 
 std::vector<platform::SerialPortPtr> SystemPorts::availablePorts() {
+  if (answerEarly_ && !loader_.ready() && !loader_.failed()) {
+    answeredEarly_ = true;
+    return {};
+  }
   if (!loader_.wait()) return {};
   return module_->ports().availablePorts();
 }

@@ -27,6 +27,11 @@ class SystemPorts : public QObject, public platform::PortManager {
 
   // Starts loading the module and reading the port list on a worker thread.
   void prefetch() { loader_.load(); }
+  // From now until the list is read, availablePorts() answers at once with
+  // the ports that need no list (none) instead of waiting for it, and the
+  // listener hears serialPortListWasRead() when it is in. For a start that
+  // chooses no system port: the window need not wait for the system.
+  void answerBeforeRead() { answerEarly_ = true; }
   bool ready() const { return loader_.ready(); }
 
   // Offers a port the system does not list, such as a pseudo-terminal path.
@@ -39,6 +44,8 @@ class SystemPorts : public QObject, public platform::PortManager {
   ModuleLoader loader_;
   std::unique_ptr<SerialModule> module_;
   std::vector<QString> extra_;
+  bool answerEarly_ = false;
+  bool answeredEarly_ = false;
   platform::PortManagerListener* listener_ = nullptr;
 };
 
