@@ -265,8 +265,8 @@ TEST_F(Servers, AllowListAndAWarningForAnyAddressButLoopback) {
   EXPECT_NE(log.lines.back().find("turned away: not in the allowed addresses"), std::string::npos) << log.lines.back();
   bool ok = true;
   ShareConfig c;
-  c.allowedClients = QStringLiteral("192.0.2.7, ::1 10.0.0.1");
-  EXPECT_EQ(c.allowedAddresses(&ok).size(), 3);
+  c.allowedClients = QStringLiteral("192.0.2.7, ::1 10.0.0.1,\n\t192.0.2.9,,");
+  EXPECT_EQ(c.allowedAddresses(&ok), (QStringList{"192.0.2.7", "::1", "10.0.0.1", "192.0.2.9"}));
   EXPECT_TRUE(ok);
   c.allowedClients = QStringLiteral("192.0.2.7 shack-pc");
   c.allowedAddresses(&ok);

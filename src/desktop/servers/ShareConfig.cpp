@@ -2,7 +2,6 @@
 // into the program and the network module alike).
 #include <arpa/inet.h>
 
-#include <QRegularExpression>
 #include <cstring>
 
 #include "desktop/servers/Sharing.h"
@@ -78,8 +77,11 @@ void ShareConfig::save(platform::SettingsStore& settings) const {
 QStringList ShareConfig::allowedAddresses(bool* ok) const {
   QStringList out;
   if (ok) *ok = true;
-  static const QRegularExpression separators(QStringLiteral("[\\s,]+"));
-  for (const QString& part : allowedClients.split(separators, Qt::SkipEmptyParts)) {
+  // Commas, spaces and line breaks separate the addresses (split by hand: a
+  // regular expression here would load and compile one at every start).
+  QString list = allowedClients;
+  list.replace(QLatin1Char(','), QLatin1Char(' '));
+  for (const QString& part : list.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
     if (!isHostAddress(part)) {
       if (ok) *ok = false;
       continue;
