@@ -11,6 +11,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -178,6 +179,17 @@ class PopUpBox : public QComboBox {
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, size, this);
   }
   QSize minimumSizeHint() const override { return sizeHint(); }
+
+  // A long list (the radio's numeric values, thousands of them) is laid out
+  // by its first entry's size instead of asking every entry for its own:
+  // its entries are values of one form, and opening it stays inside a frame.
+  void showPopup() override {
+    if (auto* list = qobject_cast<QListView*>(view())) list->setUniformItemSizes(count() > kLongList);
+    QComboBox::showPopup();
+  }
+
+ private:
+  static constexpr int kLongList = 200;
 };
 
 void notifyAccessible(QWidget* w, QAccessible::Event event) {
