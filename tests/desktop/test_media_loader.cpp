@@ -82,8 +82,7 @@ TEST(MediaLoader, AModuleThatCannotBeLoadedIsSilenceAndOneLine) {
   media.playSystem("Basso");
   ASSERT_TRUE(QTest::qWaitFor([&] { return !log.lines.empty(); }, 5000));
   ASSERT_EQ(log.lines.size(), 1u);
-  EXPECT_EQ(log.lines[0].rfind("Sounds and the voice guide are off: ", 0), 0u) << log.lines[0];
-  EXPECT_NE(log.lines[0].find("/nonexistent/libtolvane-media.so"), std::string::npos) << log.lines[0];
+  EXPECT_EQ(log.lines[0], "Sounds and the voice guide are off: there is no /nonexistent/libtolvane-media.so");
   // Later calls neither queue nor try again.
   media.speak("USB");
   media.load();

@@ -118,10 +118,9 @@ TEST(NetworkServices, AModuleThatCannotBeLoadedAnswersEveryRequestAsFailed) {
   net.load();
   ASSERT_TRUE(QTest::qWaitFor([&] { return answers.size() == 1; }, 5000));
   ASSERT_EQ(log.lines.size(), 1u);
-  EXPECT_EQ(log.lines[0].rfind("Web lists and rig sharing are off: ", 0), 0u) << log.lines[0];
-  EXPECT_NE(log.lines[0].find("/nonexistent/libtolvane-network.so"), std::string::npos) << log.lines[0];
+  EXPECT_EQ(log.lines[0], "Web lists and rig sharing are off: there is no /nonexistent/libtolvane-network.so");
   EXPECT_FALSE(answers[0].ok);
-  EXPECT_EQ(answers[0].error.rfind("Web requests are off: ", 0), 0u) << answers[0].error;
+  EXPECT_EQ(answers[0].error, "Web requests are off: there is no /nonexistent/libtolvane-network.so");
   EXPECT_EQ(net.rigctldState().status(), QStringLiteral("Off"));
 
   // A later request is answered too, but never inside send().
@@ -132,13 +131,11 @@ TEST(NetworkServices, AModuleThatCannotBeLoadedAnswersEveryRequestAsFailed) {
   EXPECT_EQ(log.lines.size(), 1u);
 }
 
-// The module as built: its servers listen and report to the program's state,
-// and its HTTP client fetches.
+// The module as built: its rigctld server listens and reports to the
+// program's state, and its HTTP client fetches.
 TEST(NetworkServices, TheBuiltModuleServesAndFetches) {
   test::FakeLog log;
   test::FakeSharedRig rig;
-  rig.s.linkOpen = true;
-  rig.s.freqA = 7074000;
   NetworkServices net(QStringLiteral(TOLVANE_NETWORK_MODULE), log);
   net.setSharedRig(&rig, "Tolvane");
   QTcpServer probe;
@@ -168,18 +165,6 @@ TEST(NetworkServices, TheBuiltModuleServesAndFetches) {
   EXPECT_EQ(body, "nets");
   EXPECT_EQ(net.rigctldState().status().toStdString(), "Listening on 127.0.0.1:" + std::to_string(port));
   EXPECT_EQ(net.flrigState().status(), QStringLiteral("Off"));
-
-  QTcpSocket client;
-  client.connectToHost(QHostAddress::LocalHost, port);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return client.state() == QAbstractSocket::ConnectedState; }));
-  client.write("f\n");
-  QByteArray got;
-  ASSERT_TRUE(QTest::qWaitFor([&] {
-    got += client.readAll();
-    return got.endsWith('\n');
-  }));
-  EXPECT_EQ(got, "7074000\n");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return net.rigctldState().clients().size() == 1; }));
 }
 
 }  // namespace

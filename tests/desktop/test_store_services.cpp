@@ -84,12 +84,11 @@ TEST(StoreServices, AModuleThatCannotBeLoadedLeavesALogThatSaysWhyAndARunOnlyKey
   store.load();
   ASSERT_TRUE(changed.wait(5000));
   ASSERT_EQ(log.lines.size(), 1u);
-  EXPECT_EQ(log.lines[0].rfind("The log and the keyring are off: ", 0), 0u) << log.lines[0];
+  EXPECT_EQ(log.lines[0], "The log and the keyring are off: there is no /nonexistent/libtolvane-store.so");
   EXPECT_TRUE(key.runOnly());
-  EXPECT_TRUE(
-      key.stateText().startsWith(QStringLiteral("No keyring service answered, so the key is kept for this run only. "
-                                                "(the keyring's module could not be loaded: ")))
-      << key.stateText().toStdString();
+  EXPECT_EQ(key.stateText().toStdString(),
+            "No keyring service answered, so the key is kept for this run only. (the keyring's module could not "
+            "be loaded: there is no /nonexistent/libtolvane-store.so)");
   // The key is still kept for the run, answered in a later turn.
   key.store(QStringLiteral("k3y"));
   EXPECT_EQ(key.key(), QStringLiteral("k3y"));
@@ -98,7 +97,7 @@ TEST(StoreServices, AModuleThatCannotBeLoadedLeavesALogThatSaysWhyAndARunOnlyKey
   std::vector<log::Contact> contacts;
   std::string error;
   EXPECT_FALSE(logStore->load(contacts, error));
-  EXPECT_EQ(error.rfind("The log's module could not be loaded: ", 0), 0u) << error;
+  EXPECT_EQ(error, "The log's module could not be loaded: there is no /nonexistent/libtolvane-store.so");
   EXPECT_FALSE(logStore->insert(contacts, error));
   EXPECT_EQ(log.lines.size(), 1u);
 }

@@ -45,7 +45,6 @@ TEST(SystemPorts, AModuleThatCannotBeLoadedOffersNoPortsAndSaysSoOnce) {
   EXPECT_TRUE(ports.availablePorts().empty());
   EXPECT_TRUE(ports.availablePorts().empty());
   ASSERT_EQ(log.lines.size(), 1u);
-  EXPECT_EQ(log.lines[0].rfind("Serial ports are off: ", 0), 0u) << log.lines[0];
   EXPECT_EQ(log.lines[0], "Serial ports are off: there is no /nonexistent/libtolvane-serial.so");
 }
 
