@@ -8,7 +8,11 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSerialPortInfo>
 #include <QSocketNotifier>
+#include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
 #include <cstdio>
@@ -167,6 +171,36 @@ TEST(QtPortManager, OffersExtraDevicePathsOnlyWhileTheyExist) {
   for (std::size_t i = 0; i < first.size(); ++i) EXPECT_EQ(first[i], second[i]);
   unlink(path);
   EXPECT_FALSE(has());
+}
+
+// The system's list is Qt's own on this machine, and on a made-up device
+// tree holds the ports of real devices and the device-less serial kinds only.
+TEST(SystemPortList, FollowsTheDeviceTreeAsTheToolkitDoes) {
+  std::vector<QString> qt;
+  for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) qt.push_back(info.portName());
+  std::sort(qt.begin(), qt.end());
+  EXPECT_EQ(listSystemPorts(), qt);
+
+  QTemporaryDir sys;
+  const auto make = [&](const QString& folder, const QString& driver = {}) {
+    ASSERT_TRUE(QDir().mkpath(sys.filePath(folder)));
+    QFile(sys.filePath(folder + "/uevent")).open(QIODevice::WriteOnly);
+    if (driver.isEmpty()) return;
+    ASSERT_TRUE(QDir().mkpath(sys.filePath("bus/drivers/" + driver)));
+    ASSERT_TRUE(QFile::link(sys.filePath("bus/drivers/" + driver), sys.filePath(folder + "/driver")));
+  };
+  const auto tty = [&](const QString& folder, const QString& name) {
+    make(folder + "/tty/" + name);
+    ASSERT_TRUE(QDir().mkpath(sys.filePath("class/tty")));
+    ASSERT_TRUE(QFile::link(sys.filePath(folder + "/tty/" + name), sys.filePath("class/tty/" + name)));
+  };
+  make("devices/pci0/usb1/1-1:1.0", "ftdi_sio");
+  tty("devices/pci0/usb1/1-1:1.0", "ttyUSB0");
+  make("devices/platform/serial8250", "serial8250");
+  tty("devices/platform/serial8250", "ttyS1");  // no hardware answers at its device file
+  for (const char* name : {"tty0", "ptmx", "rfcomm0", "rfcommx", "tnt0", "ttyGS0"}) tty("devices/virtual", name);
+  EXPECT_EQ(listSystemPorts(sys.path(), sys.filePath("dev")),
+            (std::vector<QString>{"rfcomm0", "tnt0", "ttyGS0", "ttyUSB0"}));
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #include "desktop/services/QtSerial.h"
 
+#include <fcntl.h>
 #include <grp.h>
+#include <linux/serial.h>
 #include <pwd.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -271,13 +274,58 @@ void HotPlugBatch::flush() {
 // ---------------------------------------------------------------- QtPortManager
 
 namespace {
+bool answeringSerial8250(const QString& devicePath);
+bool serialWithoutDevice(const QString& name);
+}  // namespace
 
-std::vector<QString> systemPortNames() {
+std::vector<QString> listSystemPorts(const QString& sys, const QString& dev) {
   std::vector<QString> names;
-  for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) names.push_back(info.portName());
+  const QDir ttys(sys + QStringLiteral("/class/tty"));
+  const QString devices = QDir(sys + QStringLiteral("/devices")).canonicalPath();
+  for (const QString& name : ttys.entryList(QDir::Dirs | QDir::System | QDir::NoDotAndDotDot)) {
+    // The device the tty belongs to is the nearest folder above it that is
+    // a device of its own (has a uevent file); the kernel's virtual
+    // terminals and pseudo-terminal masters have none.
+    QString parent = QFileInfo(ttys.filePath(name)).canonicalFilePath();
+    bool found = false;
+    while (!found && parent.size() > devices.size() && parent.startsWith(devices)) {
+      parent = parent.left(parent.lastIndexOf(QLatin1Char('/')));
+      found = parent.size() > devices.size() && QFileInfo::exists(parent + QStringLiteral("/uevent"));
+    }
+    if (!found) {
+      if (serialWithoutDevice(name)) names.push_back(name);
+      continue;
+    }
+    const QString driver = QFileInfo(QFileInfo(parent + QStringLiteral("/driver")).symLinkTarget()).fileName();
+    if (driver == QLatin1String("serial8250") && !answeringSerial8250(dev + QLatin1Char('/') + name)) continue;
+    names.push_back(name);
+  }
   std::sort(names.begin(), names.end());
   return names;
 }
+
+namespace {
+
+// A port of the 8250 driver is only a port when its hardware answers: the
+// kernel makes thirty-odd of them whether or not a UART is there.
+bool answeringSerial8250(const QString& devicePath) {
+  const int fd = ::open(QFile::encodeName(devicePath).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (fd < 0) return false;
+  serial_struct info{};
+  const bool answers = ::ioctl(fd, TIOCGSERIAL, &info) == 0 && info.type != PORT_UNKNOWN;
+  ::close(fd);
+  return answers;
+}
+
+// Ports without a parent device that are serial ports all the same:
+// Bluetooth serial links, virtual null-modem pairs and USB gadget ports.
+bool serialWithoutDevice(const QString& name) {
+  if (name.startsWith(QLatin1String("tnt")) || name.startsWith(QLatin1String("ttyGS"))) return true;
+  if (!name.startsWith(QLatin1String("rfcomm")) || name.size() == 6) return false;
+  return std::all_of(name.begin() + 6, name.end(), [](QChar c) { return c.isDigit(); });
+}
+
+std::vector<QString> systemPortNames() { return listSystemPorts(); }
 
 std::future<std::vector<QString>>& prefetchedNames() {
   static std::future<std::vector<QString>> names;

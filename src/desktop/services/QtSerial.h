@@ -104,6 +104,15 @@ std::optional<platform::OpenFailure> permissionProblem(const QString& devicePath
 // when the system cannot tell.
 std::string deviceHolder(const QString& devicePath);
 
+// The system's serial ports by name ("ttyUSB0"), sorted, read from the
+// kernel's device folders `sys`: each tty of a real device (a USB adapter, a
+// motherboard port; one of the 8250 driver only when its hardware answers at
+// its file in `dev`), and the Bluetooth, null-modem and gadget ports that
+// have no device. One folder read and a link or two a tty, instead of the
+// device database's record of every terminal.
+std::vector<QString> listSystemPorts(const QString& sys = QStringLiteral("/sys"),
+                                     const QString& dev = QStringLiteral("/dev"));
+
 // Lists the system's serial ports (plus any named on the command line) and
 // turns udev add/remove events of the tty subsystem into listener calls.
 class QtPortManager : public QObject, public platform::PortManager {
