@@ -6,7 +6,6 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <cstdlib>
 #include <string>
 
 #include "desktop/window/Binder.h"
@@ -41,12 +40,3 @@ void BM_OpenTenThousandValuePopUp(benchmark::State& state) {
 BENCHMARK(BM_OpenTenThousandValuePopUp)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  QApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

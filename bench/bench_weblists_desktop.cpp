@@ -11,7 +11,6 @@
 #include <QWidget>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <string>
 
@@ -164,12 +163,3 @@ static void BM_DecodeNetLogger(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(spots::netLoggerRows(body));
 }
 BENCHMARK(BM_DecodeNetLogger)->Arg(200)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char** argv) {
-  if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  QApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
